@@ -1,0 +1,18 @@
+#pragma once
+
+#include "album/album_layout.h"
+
+namespace taloram {
+
+// Brings an existing album up to date: the reduced sizes of the listed photographs, then the pages. `copyprogress` is
+// never emitted.
+[[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
+                               progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
+
+// Brings an album up to date with all its originals unturned, or every album below a book, to any depth, and the books'
+// index pages. A directory below the named one counts as a book when it has txt/ or an album below it. A failure does
+// not keep the other albums from being updated; the result is true when nothing failed.
+[[nodiscard]] bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,
+                               progress_t& htmlprogress, progress_t& zoomprogress);
+
+}  // namespace taloram

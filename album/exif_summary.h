@@ -1,0 +1,21 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace taloram {
+
+// Greatest common divisor; gcd(0, 0) is 0.
+[[nodiscard]] unsigned int gcd(unsigned int a, unsigned int b);
+
+// Takes two metering labels from the message catalogue. The arguments are not used.
+void initexif(const char* dir, const char* name);
+
+// Writes the shooting data of the photograph `dir`/`sub`/`file` (`dir` may be "") as a few tab-separated lines, with
+// "<br>" for a page when `html` is set; no line end at the end. Numbers are written in the classic form, but fixed
+// notation and precision stay set on the stream. False, with nothing written, when the file or its EXIF data can't be
+// read.
+[[nodiscard]] bool writeexif(std::ostream& os, const std::string& dir, const std::string& sub, const std::string& file,
+                             bool html);
+
+}  // namespace taloram

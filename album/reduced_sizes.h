@@ -1,0 +1,49 @@
+#pragma once
+
+#include <list>
+
+#include "album/album_layout.h"
+#include "libgr/image/image2d.h"
+#include "libgr/jpeg/jpeginfo.h"
+
+namespace taloram {
+
+// Level 0 of a photograph is the upright full size, level k is level 0 halved k times; its top level is the first that
+// fits into the settings' shrink width and height. `dirs` below are level_directories() of the album.
+
+// The top level of a photograph by the size of its original; 0, after a report, when that can't be read.
+[[nodiscard]] unsigned long getshrinklevel(const std::string& album, const std::string& name);
+
+// True when `source` exists and `target` is missing or older, compared in nanoseconds.
+[[nodiscard]] bool need_update(const std::string& source, const std::string& target);
+
+// Makes all levels and the thumbnail of every listed photograph; other files only count for progress.
+[[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress);
+
+// The same, redoing only what is missing, out of date or to be turned. thumb/ must exist.
+[[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress);
+
+// All levels up to `level` and the thumbnail of one photograph. The user's count alone decides whether level 0 is
+// turned; when it is, the camera's orientation is added to it. Reduced sizes of a turned photograph carry no segments.
+[[nodiscard]] bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,
+                             unsigned long level, unsigned long rightrotatecount);
+
+// The update of one photograph from `startlevel` on. The camera's orientation, where there is one, replaces the user's
+// count, and level 0 of a turned photograph is encoded again.
+[[nodiscard]] bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& album,
+                                   const std::string& name, unsigned long level, unsigned long startlevel,
+                                   unsigned long rightrotatecount);
+
+// A JPEG file written again as it is, or turned without loss; `from` and `to` may be the same path.
+[[nodiscard]] bool copyjpeg(const std::string& from, const std::string& to);
+[[nodiscard]] bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count);
+
+// Turns every reduced size and the thumbnail of one photograph in place; the original stays. At a failure the sizes
+// before it stay turned.
+[[nodiscard]] bool rotateallsize(const std::string& album, const std::string& name, unsigned long count);
+
+// Encodes `image` with `markers` at the settings' quality and writes it.
+[[nodiscard]] bool savejpeg(const std::string& path, libgr::image2d_t& image,
+                            std::list<libgr::jpeginfo_t::marker_t>& markers);
+
+}  // namespace taloram

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "libutils/ofsvector.h"
+
+namespace libgr {
+
+// The bytes of a JPEG file and the path that diagnostics about them name.
+class jpegbuffer_t : public libutils::bytes_t {
+  public:
+    const char* name = nullptr;  // not owned: the caller's string outlives the object; null before a load or save
+
+    // Shares the buffer of `v` with its offset and limit, under a name.
+    void setvector(const libutils::bytes_t& v, const char* new_name);
+
+  protected:
+    // Writes the view's bytes to `path`; true when all of them reached the system.
+    [[nodiscard]] bool write_to(const char* path);
+};
+
+// A whole JPEG file as the libjpeg bridge reads and writes it.
+class jpegdata_t : public jpegbuffer_t {
+  public:
+    using libutils::bytes_t::load;
+
+    // Maps the whole file read-only. No message.
+    [[nodiscard]] bool load(const char* path, android_app* app = nullptr);
+
+    // Removes `path` first, so that another name of the same file keeps its contents, then writes a new file. True when
+    // every byte was written and flushed. No message.
+    [[nodiscard]] bool save(const char* path, android_app* app = nullptr);
+};
+
+// A whole JPEG file as the file information reader takes it.
+class jpegdata2_t : public jpegbuffer_t {
+  public:
+    using libutils::bytes_t::load;
+
+    // Maps exactly the bytes of the size that the file has now, read-only. No message.
+    [[nodiscard]] bool load(const char* path);
+
+    // Rewrites an existing file in place, through all its names. No message.
+    [[nodiscard]] bool save(const char* path);
+};
+
+}  // namespace libgr

@@ -1,0 +1,15 @@
+#pragma once
+
+#include "libgr/jpeg/jpegdata.h"
+
+namespace libgr {
+
+// Turns the JPEG in `src` clockwise by `count` quarter turns (0 to 3) without decoding it to pixels and
+// writes the new stream to `dst`. APPn and COM segments are not carried over.
+//
+// Blocks of a partial iMCU at the edge that would have to change sides stay where they are, so no pixel
+// is lost. Returns false, after one line on standard error, when `count` is over 3 or `src` can't be read;
+// also false when libjpeg warned, and `dst` then holds the stream all the same.
+[[nodiscard]] bool transform(unsigned long count, jpegdata_t& dst, const jpegdata_t& src);
+
+}  // namespace libgr

@@ -1,0 +1,90 @@
+#include "libutils/file_copy.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+
+#include "libutils/diagnostics.h"
+#include "libutils/ofsvector.h"
+#include "libutils/path.h"
+
+namespace libutils {
+
+bool filecopy(const char* from, const char* to) {
+    if (is_same_file(from, to)) {
+        return true;
+    }
+    bytes_t bytes;
+    if (!bytes.load(0, from, PROT_READ_ONLY, 0, false, nullptr)) {
+        return false;
+    }
+    std::ofstream out(to, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        return false;
+    }
+    out.write(reinterpret_cast<const char*>(bytes.begin()), static_cast<std::streamsize>(bytes.size()));
+    out.close();
+    bytes.clear();
+    return copydate(from, to);
+}
+
+bool filecopy1(const char* from, const char* to) {
+    if (is_same_file(from, to)) {
+        return true;
+    }
+    std::ifstream in(from, std::ios::binary);
+    if (!in) {
+        report(from, ": ", std::strerror(errno));
+        return false;
+    }
+    std::ofstream out(to, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        report(to, ": ", std::strerror(errno));
+        return false;
+    }
+    struct stat status {};
+    if (stat(from, &status) != 0) {
+        report(from, ": stat(2) error.");
+        return false;
+    }
+    std::array<char, 4096> buffer{};
+    auto rest = static_cast<std::streamsize>(status.st_size);
+    while (rest > 0 && in && out) {
+        const auto block = std::min<std::streamsize>(rest, buffer.size());
+        in.read(buffer.data(), block);
+        out.write(buffer.data(), in.gcount());
+        rest -= block;
+    }
+    in.close();
+    out.close();
+    return copydate(from, to);
+}
+
+bool copydate(const char* from, const char* to) {
+    struct stat status {};
+    if (stat(from, &status) != 0) {
+        report(from, ": stat(2) error.");
+        return false;
+    }
+    const std::array<timespec, 2> times{timespec{status.st_atim.tv_sec, 0}, timespec{status.st_mtim.tv_sec, 0}};
+    if (utimensat(AT_FDCWD, to, times.data(), 0) != 0) {
+        report(to, ": ", std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool same_contents(const char* a, const char* b) {
+    bytes_t bytes_a;
+    bytes_t bytes_b;
+    return bytes_a.load(0, a, PROT_READ_ONLY, 0, false, nullptr) &&
+           bytes_b.load(0, b, PROT_READ_ONLY, 0, false, nullptr) && bytes_a.size() == bytes_b.size() &&
+           std::equal(bytes_a.begin(), bytes_a.end(), bytes_b.begin());
+}
+
+}  // namespace libutils

@@ -1,0 +1,19 @@
+#pragma once
+
+namespace libutils {
+
+// Copies the whole of `from` over `to` through a mapping and one write and gives it the times of `from`. False, without
+// a message of its own, when `from` can't be read or `to` can't be opened; otherwise the result of copydate(): a
+// short write alone does not make it false. A file copied onto itself stays untouched.
+[[nodiscard]] bool filecopy(const char* from, const char* to);
+
+// The same through a buffer of 4096 bytes; reports what it can't open.
+[[nodiscard]] bool filecopy1(const char* from, const char* to);
+
+// Gives `to` the access and modification times of `from` in whole seconds; reports a failure.
+[[nodiscard]] bool copydate(const char* from, const char* to);
+
+// True when both files can be read and hold the same bytes.
+[[nodiscard]] bool same_contents(const char* a, const char* b);
+
+}  // namespace libutils

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <ostream>
+#include <string>
+
+namespace taloram {
+
+// The settings file: HOME, "/." and the basename of `name`; "" when HOME is unset. `dir` is not used.
+[[nodiscard]] std::string inifile(const char* dir, const char* name);
+
+// Reads the settings file into g_global; fields that it does not name keep their values. An unknown key is reported and
+// passed over. False, without a message, when the file can't be opened.
+[[nodiscard]] bool loadini(const char* dir, const char* name);
+
+// Writes g_global to the settings file. Reports nothing.
+void saveini(const char* dir, const char* name);
+
+// One line of the settings file: key, "=", value, CR LF.
+template <typename T>
+void writeiniline(std::ostream& out, const char* key, const T& value) {
+    out << key << "=" << value << "\r\n";
+}
+
+}  // namespace taloram
