@@ -13,7 +13,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_new_album = 4,
     msg_browser = 6,
     msg_options = 7,
-    msg_edit = 8,
+    msg_edit = 8,  // also the title of the book editor
     msg_move = 9,
     msg_delete = 10,
     msg_close = 11,
@@ -48,7 +48,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_nothing_selected = 40,
     msg_album_exists = 41,
     msg_viewer = 42,
-    msg_remove = 44,
+    msg_remove = 44,  // also the question that it asks
     msg_rebuild = 45,
     msg_count_column = 46,
 };

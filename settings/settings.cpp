@@ -1,0 +1,37 @@
+#include "settings/settings.h"
+
+#include <strings.h>
+
+#include <cstdlib>
+
+#include "talolib/locale_name.h"
+
+namespace taloram {
+
+namespace {
+
+const char* page_charset(const std::string& locale) {
+    if (locale == "ja_JP.SJIS" || locale == "ja-JP") {
+        return "shift_jis";
+    }
+    return strcasecmp(locale.c_str(), "ja_JP.eucJP") == 0 ? "euc-jp" : "UTF-8";
+}
+
+std::string default_album() {
+    const char* home = std::getenv("HOME");
+    return home == nullptr ? "album" : std::string(home) + "/" + "album";
+}
+
+}  // namespace
+
+global_t::global_t()
+    : from("/mnt/DCIM"),
+      album(default_album()),
+      html_header(std::string("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=") +
+                  page_charset(talolib::get_locale_name()) + "\">"),
+      html_address("(C) <a href=\"mailto:you@example.com\">your name</a>, All Rights Reserved.") {
+}
+
+global_t g_global;
+
+}  // namespace taloram
