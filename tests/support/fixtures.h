@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <locale>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,7 @@ class temp_dir_t {
 // The real photographs: the environment's TALORAM_PHOTOS, else ../shared/photos beside the checkout; "" when absent.
 [[nodiscard]] std::string real_photos();
 
-// Every regular file below `directory`, sorted.
+// Every regular file below `directory`, sorted; the paths begin with `directory`. Empty when it can't be read.
 [[nodiscard]] std::vector<std::string> files_below(const std::string& directory);
 
 // Sets the global C++ locale to a form that groups digits and writes decimal commas while it lives.
@@ -39,6 +40,10 @@ class grouping_locale_t {
     ~grouping_locale_t();
     grouping_locale_t(const grouping_locale_t&) = delete;
     grouping_locale_t& operator=(const grouping_locale_t&) = delete;
+
+  private:
+    std::locale before_;
+    std::string c_locale_before_;
 };
 
 }  // namespace test_support
