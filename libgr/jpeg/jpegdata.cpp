@@ -1,0 +1,65 @@
+#include "libgr/jpeg/jpegdata.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <fstream>
+
+namespace libgr {
+
+void jpegbuffer_t::setvector(const libutils::bytes_t& v, const char* new_name) {
+    libutils::bytes_t::operator=(v);
+    name = new_name;
+}
+
+bool jpegbuffer_t::write_to(const char* path) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!empty()) {
+        out.write(reinterpret_cast<const char*>(begin()), static_cast<std::streamsize>(size()));
+    }
+    // A full disk may show only now.
+    out.close();
+    if (out.fail()) {
+        return false;
+    }
+    name = path;
+    return true;
+}
+
+bool jpegdata_t::load(const char* path, android_app* app) {
+    if (!load(0, path, libutils::PROT_READ_ONLY, 0, false, app)) {
+        return false;
+    }
+    name = path;
+    return true;
+}
+
+bool jpegdata_t::save(const char* path, android_app* /*app*/) {
+    unlink(path);
+    return write_to(path);
+}
+
+bool jpegdata2_t::load(const char* path) {
+    struct stat status {};
+    if (stat(path, &status) != 0 ||
+        !load(static_cast<size_t>(status.st_size), path, libutils::PROT_READ_ONLY, 0, false, nullptr)) {
+        return false;
+    }
+    name = path;
+    return true;
+}
+
+bool jpegdata2_t::save(const char* path) {
+    // Truncating the file takes the bytes away from a view that is mapped from it.
+    jpegdata2_t own(*this);
+    if (own.is_allocated() && !own.resize(own.size())) {
+        return false;
+    }
+    if (!own.write_to(path)) {
+        return false;
+    }
+    name = path;
+    return true;
+}
+
+}  // namespace libgr

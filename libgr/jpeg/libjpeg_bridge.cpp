@@ -1,0 +1,223 @@
+#include "libgr/jpeg/libjpeg_bridge.h"
+
+#include <unistd.h>
+
+#include <new>
+
+#include "libutils/diagnostics.h"
+
+namespace libgr {
+
+namespace {
+
+// A progressive file of a few kilobytes can make libjpeg walk a huge picture once a scan; real files have some ten.
+constexpr int max_scans = 500;
+// libjpeg's list of saved segments takes time by the square of their number; real files have some hundred.
+constexpr int max_segments = 16384;
+// Once for the file, once more when the data has run out. Whoever asks again goes round in circles.
+constexpr unsigned max_presentations = 2;
+constexpr size_t growth_step = 0x100000;  // bytes
+
+// Messages of our own, numbered behind libjpeg's.
+enum own_message_t { msg_scans = 1000, msg_segments };
+constexpr const char* own_messages[] = {"JPEG file with more than %d scans", "JPEG file with more than %d segments"};
+
+template <typename Info>
+j_common_ptr common(Info* info) {
+    return reinterpret_cast<j_common_ptr>(info);
+}
+
+error_manager_t& errors_of(j_common_ptr info) {
+    return *static_cast<error_manager_t*>(info->err);
+}
+
+source_manager_t& source_of(j_decompress_ptr info) {
+    return *static_cast<source_manager_t*>(info->src);
+}
+
+destination_manager_t& destination_of(j_compress_ptr info) {
+    return *static_cast<destination_manager_t*>(info->dest);
+}
+
+// libjpeg's text as one line through the stream of all other diagnostics.
+void output_message(j_common_ptr info) {
+    char text[JMSG_LENGTH_MAX];
+    info->err->format_message(info, text);
+    libutils::report(text);
+}
+
+[[noreturn]] void my_error_exit(j_common_ptr info) {
+    error_manager_t& errors = errors_of(info);
+    libutils::report(shown_name(*errors.data), ": error detected.");
+    errors.output_message(info);
+    std::longjmp(errors.jump, 1);
+}
+
+void emit_message(j_common_ptr info, int level) {
+    error_manager_t& errors = errors_of(info);
+    if (level < 0 && (errors.msg_code == JWRN_JPEG_EOF || errors.msg_code == JWRN_HIT_MARKER)) {
+        errors.early_end = true;
+    }
+    // Every segment of the header shows as a trace message of this level.
+    if (level == 1 && ++errors.segments > max_segments) {
+        ERREXIT1(info, msg_segments, max_segments);
+    }
+    errors.standard_emit_message(info, level);
+}
+
+void src_init(j_decompress_ptr info) {
+    info->src->next_input_byte = nullptr;
+    info->src->bytes_in_buffer = 0;
+}
+
+boolean src_fill_input_buff(j_decompress_ptr info) {
+    source_manager_t& source = source_of(info);
+    if (source.data->empty()) {
+        ERREXIT(info, JERR_INPUT_EMPTY);
+    }
+    if (++source.presentations > (source.in_header ? 1 : max_presentations)) {
+        ERREXIT(info, JERR_INPUT_EOF);
+    }
+    source.next_input_byte = source.data->begin();
+    source.bytes_in_buffer = source.data->size();
+    return TRUE;
+}
+
+void src_skip_input_data(j_decompress_ptr info, long count) {
+    source_manager_t& source = source_of(info);
+    if (count > 0) {
+        const size_t skipped = std::min(static_cast<size_t>(count), source.bytes_in_buffer);
+        source.next_input_byte += skipped;
+        source.bytes_in_buffer -= skipped;
+    }
+}
+
+void src_term(j_decompress_ptr /*info*/) {
+}
+
+void install_source(j_decompress_ptr info, const jpegdata_t& data) {
+    if (info->src == nullptr) {
+        void* const memory = info->mem->alloc_small(common(info), JPOOL_PERMANENT, sizeof(source_manager_t));
+        info->src = new (memory) source_manager_t{};
+    }
+    source_manager_t& source = source_of(info);
+    source.init_source = src_init;
+    source.fill_input_buffer = src_fill_input_buff;
+    source.skip_input_data = src_skip_input_data;
+    source.resync_to_restart = jpeg_resync_to_restart;
+    source.term_source = src_term;
+    source.data = &data;
+    source.presentations = 0;
+    source.in_header = true;
+    src_init(info);
+}
+
+// Offers the `room` bytes behind the first `used` ones to libjpeg.
+void offer(j_compress_ptr info, size_t used, size_t room) {
+    destination_manager_t& destination = destination_of(info);
+    if (!destination.data->resize(used + room)) {
+        ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
+    }
+    destination.next_output_byte = destination.data->begin() + used;
+    destination.free_in_buffer = room;
+}
+
+void dest_init(j_compress_ptr info) {
+    offer(info, 0, growth_step);
+}
+
+boolean dest_empty_buff(j_compress_ptr info) {
+    offer(info, destination_of(info).data->size(), growth_step);
+    return TRUE;
+}
+
+void dest_term(j_compress_ptr info) {
+    destination_manager_t& destination = destination_of(info);
+    if (!destination.data->resize(destination.data->size() - destination.free_in_buffer)) {
+        ERREXIT1(info, JERR_OUT_OF_MEMORY, 0);
+    }
+    destination.next_output_byte = nullptr;
+    destination.free_in_buffer = 0;
+    info->dest = nullptr;
+}
+
+void install_destination(j_compress_ptr info, jpegdata_t& out) {
+    if (info->dest == nullptr) {
+        void* const memory = info->mem->alloc_small(common(info), JPOOL_PERMANENT, sizeof(destination_manager_t));
+        info->dest = new (memory) destination_manager_t{};
+    }
+    destination_manager_t& destination = destination_of(info);
+    destination.init_destination = dest_init;
+    destination.empty_output_buffer = dest_empty_buff;
+    destination.term_destination = dest_term;
+    destination.data = &out;
+}
+
+}  // namespace
+
+uint64_t memory_limit() {
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_bytes = sysconf(_SC_PAGE_SIZE);
+    constexpr uint64_t unknown = uint64_t{1} << 32;
+    return pages <= 0 || page_bytes <= 0 ? unknown
+                                         : static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 2;
+}
+
+const char* shown_name(const jpegdata_t& data) {
+    return data.name == nullptr ? "" : data.name;
+}
+
+void refuse_endless_scans(j_common_ptr info) {
+    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > max_scans) {
+        ERREXIT1(info, msg_scans, max_scans);
+    }
+}
+
+decompressor_t::decompressor_t(const jpegdata_t& data) : data_(&data) {
+    info.err = jpeg_std_error(&errors_);
+    errors_.data = &data;
+    errors_.error_exit = my_error_exit;
+    errors_.output_message = output_message;
+    errors_.standard_emit_message = errors_.emit_message;
+    errors_.emit_message = emit_message;
+    errors_.addon_message_table = own_messages;
+    errors_.first_addon_message = msg_scans;
+    errors_.last_addon_message = msg_segments;
+    progress_.progress_monitor = refuse_endless_scans;
+}
+
+void decompressor_t::create() {
+    jpeg_create_decompress(&info);
+    info.mem->max_memory_to_use = static_cast<long>(memory_limit());
+    info.progress = &progress_;
+    install_source(&info, *data_);
+}
+
+void decompressor_t::keep_segments(unsigned app_bytes) {
+    jpeg_save_markers(&info, JPEG_COM, 0xFFFF);
+    for (int n = 0; n < 16; ++n) {
+        jpeg_save_markers(&info, JPEG_APP0 + n, app_bytes);
+    }
+}
+
+void decompressor_t::read_header() {
+    (void)jpeg_read_header(&info, TRUE);
+    source_of(&info).in_header = false;
+    // Newer libraries read other depths through other calls.
+    if (info.data_precision != BITS_IN_JSAMPLE) {
+        ERREXIT1(&info, JERR_BAD_PRECISION, info.data_precision);
+    }
+}
+
+bool decompressor_t::ran_out() const {
+    return info.src != nullptr && static_cast<const source_manager_t*>(info.src)->presentations > 1;
+}
+
+compressor_t::compressor_t(jpegdata_t& out) {
+    info.err = jpeg_std_error(&errors_);
+    errors_.output_message = output_message;
+    jpeg_create_compress(&info);
+    install_destination(&info, out);
+}
+
+}  // namespace libgr
