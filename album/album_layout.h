@@ -25,6 +25,24 @@ struct files_t {
     uint64_t rightrotatecount = 0;  // clockwise quarter turns asked for by the user
 };
 
+// Names inside an album or book, as files and as links.
+namespace layout {
+constexpr const char* original = "original";
+constexpr const char* movie = "movie";
+constexpr const char* text = "txt";
+constexpr const char* thumb = "thumb";
+constexpr const char* html = "html";
+constexpr const char* index_page = "index.html";
+constexpr const char* list_page = "list.html";
+constexpr const char* count_text = "count.txt";
+constexpr const char* head_text = "head.txt";
+constexpr const char* last_text = "last.txt";
+}  // namespace layout
+
+// No photograph's top level is higher: a JPEG picture's sides have 16 bits, which 16 halvings use up (ITU-T T.81
+// B.2.2).
+constexpr unsigned long highest_top_level = 16;
+
 [[nodiscard]] bool is_exist(const std::string& path);
 
 [[nodiscard]] bool is_album(const std::string& directory);
@@ -33,14 +51,24 @@ struct files_t {
 [[nodiscard]] bool is_photo(const std::string& filename);
 [[nodiscard]] bool is_movie(const std::string& filename);
 
+// True when `filename` names an entry of a directory rather than a way out of it.
+[[nodiscard]] bool is_plain_name(const std::string& filename);
+
+// What is called `name` in an album, a book or one of their directories; in "", the current directory, the bare name.
+[[nodiscard]] std::string entry_path(const std::string& directory, const std::string& name);
+
 [[nodiscard]] std::string original_path(const std::string& album, const std::string& name);
 [[nodiscard]] std::string thumb_path(const std::string& album, const std::string& name);
 [[nodiscard]] std::string text_path(const std::string& album, const std::string& name);
 
+// Where a file lies until it is complete: beside the directories that listings read.
+[[nodiscard]] std::string incomplete_path(const std::string& album);
+
 // "size" and the level in decimal.
 [[nodiscard]] std::string level_name(unsigned long level);
 
-// The directories of a photograph with top level `top`: size0 to size<top>, then thumb, each behind `prefix`.
-[[nodiscard]] std::vector<std::string> level_directories(const std::string& prefix, unsigned long top);
+// The directories in `album` of a photograph with top level `top`: size0 to size<top>, then thumb. Of "" they are the
+// names that links use.
+[[nodiscard]] std::vector<std::string> level_directories(const std::string& album, unsigned long top);
 
 }  // namespace taloram

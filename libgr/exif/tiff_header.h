@@ -60,6 +60,20 @@ class tiff_header_t : public libutils::bytes_t {
 
     // Empties every record and drops every view.
     void clear() override;
+
+  private:
+    [[nodiscard]] const libutils::byteorder& order() const;  // little-endian before parse()
+    [[nodiscard]] bool read_byteorder_mark();
+    void clear_records();
+
+    // Steps behind the entries of IFD0, from the offsets and the maker note found there; true without one.
+    [[nodiscard]] bool read_exif_ifd();
+    [[nodiscard]] bool read_gps_ifd();
+    [[nodiscard]] bool read_maker_note();
+    [[nodiscard]] bool read_olympus_note();  // the older layout
+
+    // Follows the link at `link` to IFD1, where the thumbnail stands.
+    void read_1st_ifd(uint64_t link);
 };
 
 }  // namespace libgr

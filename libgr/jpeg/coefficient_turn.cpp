@@ -100,6 +100,7 @@ turn_block_t turn_block_of(bool transpose, bool left_right, bool top_bottom) {
 // Block rows of the turned picture that are made together: a transposed one reads a column of the source's, and
 // neighbouring blocks of a column lie far apart.
 constexpr JDIMENSION strip_rows = 8;
+static_assert(strip_rows >= MAX_SAMP_FACTOR, "libjpeg's compressor reads an iMCU's block rows at once");
 
 JBLOCKARRAY block_rows(jpeg_decompress_struct& info, jvirt_barray_ptr array, JDIMENSION y, JDIMENSION count,
                        boolean writable) {
@@ -110,7 +111,7 @@ void turn_component(jpeg_decompress_struct& info, jvirt_barray_ptr to, jvirt_bar
                     const turned_component_t& size, const steps_t& steps) {
     for (JDIMENSION top = 0; top < size.height; top += strip_rows) {
         const JDIMENSION count = std::min(strip_rows, size.height - top);
-        const JBLOCKARRAY to_rows = block_rows(info, to, top, count, TRUE);
+        JBLOCKROW* const to_rows = block_rows(info, to, top, count, TRUE);
         for (JDIMENSION x = 0; x < size.width; ++x) {
             const bool mirror_x = steps.left_right && x < size.mirror_width;
             const JDIMENSION from_x = mirror_x ? size.mirror_width - 1 - x : x;

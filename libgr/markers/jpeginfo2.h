@@ -39,6 +39,12 @@ class jpeginfo2_t {
 
     // The body of the first segment with `code`, an empty view when there is none. It stays valid after the reader.
     [[nodiscard]] libutils::bytes_t get_marker(unsigned short code) const;
+
+  private:
+    [[nodiscard]] bool parse_segment(const marker_t& segment);
+
+    // Parses the scan header, which is the last segment of the list; `rest` is what follows it.
+    [[nodiscard]] bool parse_scan(const libutils::bytes_t& rest);
 };
 
 }  // namespace libgr

@@ -1,0 +1,75 @@
+#include "album/album_layout.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <string_view>
+
+#include "libutils/path.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr const char* photo_extension = ".jpg";
+constexpr const char* movie_extensions[] = {".mov", ".mpg", ".mp4"};
+
+}  // namespace
+
+bool is_exist(const std::string& path) {
+    return libutils::is_exist(path);
+}
+
+bool is_album(const std::string& directory) {
+    return is_exist(entry_path(directory, layout::original));
+}
+
+bool is_photo(const std::string& filename) {
+    return libutils::extcasecmp(filename, photo_extension) == 0;
+}
+
+bool is_movie(const std::string& filename) {
+    return std::any_of(std::begin(movie_extensions), std::end(movie_extensions),
+                       [&](const char* extension) { return libutils::extcasecmp(filename, extension) == 0; });
+}
+
+bool is_plain_name(const std::string& filename) {
+    constexpr std::string_view ends_a_name("/\0", 2);
+    return !filename.empty() && filename != "." && filename != ".." &&
+           filename.find_first_of(ends_a_name) == std::string::npos;
+}
+
+std::string entry_path(const std::string& directory, const std::string& name) {
+    return directory.empty() ? name : directory + "/" + name;
+}
+
+std::string original_path(const std::string& album, const std::string& name) {
+    return entry_path(entry_path(album, layout::original), name);
+}
+
+std::string thumb_path(const std::string& album, const std::string& name) {
+    return entry_path(entry_path(album, layout::thumb), name);
+}
+
+std::string text_path(const std::string& album, const std::string& name) {
+    return entry_path(entry_path(album, layout::text), name);
+}
+
+std::string incomplete_path(const std::string& album) {
+    return entry_path(album, ".taloram-copy-" + std::to_string(getpid()));
+}
+
+std::string level_name(unsigned long level) {
+    return "size" + std::to_string(level);
+}
+
+std::vector<std::string> level_directories(const std::string& album, unsigned long top) {
+    std::vector<std::string> directories;
+    for (unsigned long level = 0; level <= top; ++level) {
+        directories.push_back(entry_path(album, level_name(level)));
+    }
+    directories.push_back(entry_path(album, layout::thumb));
+    return directories;
+}
+
+}  // namespace taloram

@@ -1,0 +1,260 @@
+#include "album/album_pages.h"
+
+#include <sys/stat.h>
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <list>
+
+#include "album/comment_store.h"
+#include "album/engine_step.h"
+#include "album/exif_summary.h"
+#include "album/page_frame.h"
+#include "album/reduced_sizes.h"
+#include "album/text_file.h"
+#include "libgr/jpeg/jpegdata.h"
+#include "libgr/jpeg/jpeginfo.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "libutils/text.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+using names_t = std::vector<std::string>;
+
+// A photograph as pages name its files.
+struct page_photo_t {
+    std::string name;
+    unsigned long level = 0;  // its top level
+    names_t sizes;            // directories of the levels, then of the thumbnail
+    names_t zooms;            // zoom pages of level 1 and up
+
+    // A file of the photograph as a page in the album's directory links to it.
+    [[nodiscard]] std::string link(unsigned long size) const { return entry_path(sizes[size], name); }
+
+    // What shows level `size`: its zoom page, or the full-size file itself.
+    [[nodiscard]] std::string target(unsigned long size) const {
+        return size == 0 ? link(0) : entry_path(layout::html, zooms[size - 1]);
+    }
+};
+
+page_photo_t describe_photo(const std::string& album, const std::string& name) {
+    page_photo_t photo{name, getshrinklevel(album, name), {}, {}};
+    photo.sizes = level_directories("", photo.level);
+    for (unsigned long k = 1; k <= photo.level; ++k) {
+        photo.zooms.push_back(libutils::basename(name) + "_" + std::to_string(k) + ".html");
+    }
+    return photo;
+}
+
+std::list<std::string> list_files(const std::string& directory) {
+    std::list<std::string> files;
+    if (!libutils::getfiles(files, directory.c_str())) {
+        talolib::trace(std::cerr, directory, ": getfiles failed.");
+    }
+    return files;
+}
+
+std::list<std::string> chopped_lines(const std::string& text) {
+    std::list<std::string> lines = split_lines(text);
+    for (std::string& line : lines) {
+        talolib::trace(std::cout, line);
+        libutils::chop(line);
+    }
+    return lines;
+}
+
+page_texts_t load_texts(const std::string& album) {
+    std::string title;
+    std::string head;
+    std::string last;
+    loadcommenttxt(album, title, head, last);
+    return {title, chopped_lines(head), chopped_lines(last)};
+}
+
+bool open_album_page(std::ofstream& out, const std::string& path) {
+    out = open_page(path);
+    if (!out) {
+        libutils::report(path, ": open error, ", std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool write_size_links(std::ostream& out, const std::string& album, const page_photo_t& photo) {
+    for (unsigned long k = 0; k < photo.level; ++k) {
+        const std::string path = entry_path(album, photo.link(k));
+        libgr::jpegdata_t data;
+        libgr::jpeginfo_t info;
+        if (!data.load(path.c_str()) || !info.analyze_markers(data)) {
+            return false;
+        }
+        struct stat status {};
+        if (stat(path.c_str(), &status) != 0) {
+            libutils::report(path, ": ", std::strerror(errno));
+            return false;
+        }
+        const auto kilobytes = (static_cast<uint64_t>(status.st_size) + 1023) / 1024;
+        out << "\t<br><a href=\"" << photo.target(k) << "\">" << info.width << "x" << info.height << " (" << kilobytes
+            << "k)</a>\n";
+    }
+    return true;
+}
+
+void write_movie(std::ostream& out, const std::string& movie) {
+    out << "\t<li>" << movie << "\n\t<br><video controls>\n\t<source src=\"" << entry_path(layout::movie, movie)
+        << "\">\n\t</video>\t<p>\n";
+}
+
+void write_photo_comment(std::ostream& out, const std::string& album, const std::string& name) {
+    std::list<std::string> lines;
+    if (!loadphotocommentlines(lines, album, name)) {
+        talolib::trace(std::cerr, name, ": loadphotocommentlines() failed.");
+    }
+    for (std::string& line : lines) {
+        libutils::chop(line);
+    }
+    writephotocomment(out, lines, 1);
+}
+
+// One photograph of the index. With two sizes its anchor is never closed: the format of the pages is fixed.
+bool write_photo(std::ostream& out, const std::string& album, const page_photo_t& photo) {
+    const unsigned long top = photo.level;
+    out << "\t<li>" << photo.name << '\n';
+    if (!write_size_links(out, album, photo)) {
+        return false;
+    }
+    out << "\t<br>";
+    if (top >= 1) {
+        out << "<a href=\"" << photo.target(top - 1) << "\">";
+    }
+    out << "<IMG SRC=\"" << photo.link(top);
+    if (top >= 1) {
+        out << "\" SRCSET=\"" << photo.link(top) << " 1x," << photo.link(top - 1) << " 2x";
+    }
+    out << "\" ALIGN=\"left\">" << (top >= 2 ? "</a>" : "") << '\n';
+    write_photo_comment(out, album, photo.name);
+    out << "\t<br clear=all>\n";
+    // A photograph without shooting data has no summary.
+    static_cast<void>(writeexif(out, album, layout::original, photo.name, true));
+    out << "\t<p>\n\n";
+    return true;
+}
+
+bool write_index(const std::string& album, page_texts_t& texts, const std::list<std::string>& movies,
+                 const std::list<std::string>& names, std::vector<page_photo_t>& photos, progress_t& progress) {
+    std::ofstream out;
+    if (!open_album_page(out, entry_path(album, layout::index_page))) {
+        return false;
+    }
+    write_page_head(out, texts);
+    out << "\n<UL>\n";
+    for (const std::string& movie : movies) {
+        write_movie(out, movie);
+    }
+    for (const std::string& name : names) {
+        photos.push_back(describe_photo(album, name));
+        if (!write_photo(out, album, photos.back())) {
+            return false;
+        }
+        emit_progress(progress, photos.size() - 1, names.size());
+    }
+    out << "</UL>\n";
+    write_page_foot(out, texts);
+    return true;
+}
+
+// The contact sheet. The anchor of a photograph with one size is never closed, as in the index.
+bool write_list(const std::string& album, page_texts_t& texts, const std::vector<page_photo_t>& photos) {
+    std::ofstream out;
+    if (!open_album_page(out, entry_path(album, layout::list_page))) {
+        return false;
+    }
+    write_page_head(out, texts);
+    out << "<br>\n\n";
+    for (const page_photo_t& photo : photos) {
+        const std::string thumb = photo.link(photo.level + 1);
+        out << "<a href=\"" << photo.target(photo.level) << "\"><IMG SRC=\"" << thumb << "\" SRCSET=\"" << thumb
+            << " 1x," << photo.link(photo.level) << " 2x\">" << (photo.level != 0 ? "</a>\n" : "");
+    }
+    write_page_foot(out, texts);
+    return true;
+}
+
+bool write_count(const std::string& album, size_t movies, size_t photos) {
+    std::ofstream out;
+    if (!open_album_page(out, text_path(album, layout::count_text))) {
+        return false;
+    }
+    if (movies != 0) {
+        out << movies;
+    }
+    out << "+" << photos << '\n';
+    return true;
+}
+
+// The page of level `level` (1 or more); its picture links to the next larger size.
+bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsigned long level) {
+    const std::string path = entry_path(album, entry_path(layout::html, photo.zooms[level - 1]));
+    std::ofstream out = open_page(path);
+    if (!out) {
+        libutils::report(path, ": write open error.");
+        return false;
+    }
+    const std::string above = "../";
+    const std::string image = above + photo.link(level);
+    write_page_start(out);
+    out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
+        << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
+    write_page_end(out);
+    return true;
+}
+
+}  // namespace
+
+bool makehtml(const std::string& album, progress_t& progress) {
+    page_texts_t texts = load_texts(album);
+    const std::list<std::string> movies = list_files(entry_path(album, layout::movie));
+    const std::list<std::string> names = list_files(entry_path(album, layout::thumb));
+    std::vector<page_photo_t> photos;
+    return write_index(album, texts, movies, names, photos, progress) && write_list(album, texts, photos) &&
+           write_count(album, movies.size(), photos.size());
+}
+
+bool makehtmlzoom(const std::string& album, progress_t& progress) {
+    libutils::mkdir(entry_path(album, layout::html).c_str());
+    std::list<std::string> names;
+    if (!libutils::getfiles(names, entry_path(album, layout::thumb).c_str())) {
+        return false;
+    }
+    size_t index = 0;
+    for (const std::string& name : names) {
+        const page_photo_t photo = describe_photo(album, name);
+        for (unsigned long level = 1; level <= photo.level; ++level) {
+            if (!write_zoom_page(album, photo, level)) {
+                return false;
+            }
+        }
+        emit_progress(progress, index++, names.size());
+    }
+    return true;
+}
+
+bool writelink(std::ostream& out, const std::string& album, const std::vector<std::string>& sd,
+               const std::vector<std::string>& zp, const std::string& f) {
+    const page_photo_t photo{f, getshrinklevel(album, f), sd, zp};
+    // The names may come from before the original was replaced.
+    if (photo.level > sd.size() || photo.level > zp.size() + 1) {
+        return false;
+    }
+    const libutils::classic_numbers classic(out);
+    return write_size_links(out, album, photo);
+}
+
+}  // namespace taloram

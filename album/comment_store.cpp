@@ -1,0 +1,170 @@
+#include "album/comment_store.h"
+
+#include <cerrno>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "album/album_layout.h"
+#include "album/text_file.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "libutils/text.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+// Texts are written under the first name; cards and other systems may have left the second.
+struct text_name_t {
+    const char* name;
+    const char* upper_case;
+};
+constexpr text_name_t head_name{layout::head_text, "HEAD.TXT"};
+constexpr text_name_t last_name{layout::last_text, "LAST.TXT"};
+constexpr text_name_t photo_suffix{".txt", ".TXT"};
+
+// Reads a text under either of its names; `path` is then the one that was read.
+bool load_either(std::string& text, std::string& path, const std::string& txtdir, const text_name_t& name) {
+    for (const char* candidate : {name.name, name.upper_case}) {
+        path = entry_path(txtdir, candidate);
+        if (load_text(text, path)) {
+            return true;
+        }
+    }
+    talolib::trace(std::cerr, txtdir, ": ", name.name, " not found.");
+    return false;
+}
+
+// Takes the title from the first line; what follows the second one stays in `head`.
+void take_title(std::string& title, std::string& head, const std::string& path, const std::string& text) {
+    std::istringstream in(text);
+    std::string line1;
+    std::string line2;
+    std::getline(in, line1);
+    std::getline(in, line2);
+    head = in.good() ? text.substr(static_cast<size_t>(in.tellg())) : "";
+    if (line1 != line2) {
+        libutils::report(path, ": title different.\n", line1, "\n", line2);
+    }
+    if (!line1.empty()) {
+        libutils::chop(line1);
+        title = line1;
+    }
+}
+
+void write_lines(std::ostream& out, const std::string& text) {
+    for (std::string& line : split_lines(text)) {
+        libutils::chop(line);
+        out << line << "\r\n";
+    }
+}
+
+// Writes one comment file: `title`, where there is one, and the lines of `text`.
+bool save_text(const std::string& path, const std::string& title_lines, const std::string& text) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        libutils::report(path, ": file open failed, ", std::strerror(errno));
+        return false;
+    }
+    out << title_lines;
+    write_lines(out, text);
+    // A full disk shows only when the bytes leave the buffer.
+    out.flush();
+    if (!out) {
+        libutils::report(path, ": file write error.");
+        return false;
+    }
+    return true;
+}
+
+std::string photo_comment_path(const std::string& album, const std::string& photo, const char* suffix) {
+    return text_path(album, libutils::filename(photo) + suffix);
+}
+
+}  // namespace
+
+bool loadcommenttxt(const std::string& album, std::string& title, std::string& head, std::string& last) {
+    const std::string txtdir = entry_path(album, layout::text);
+    if (!is_exist(txtdir)) {
+        talolib::trace(std::cout, txtdir, ": stat failed, ", std::strerror(errno));
+        return false;
+    }
+    loadcomment(txtdir, title, head, last);
+    return true;
+}
+
+void loadcomment(const std::string& txtdir, std::string& title, std::string& head, std::string& last) {
+    std::string text;
+    std::string path;
+    if (load_either(text, path, txtdir, head_name)) {
+        take_title(title, head, path, text);
+    }
+    if (load_either(text, path, txtdir, last_name)) {
+        last = text;
+    }
+}
+
+bool savecommenttxt(const std::string& album, const std::string& title, const std::string& head,
+                    const std::string& last) {
+    libutils::mkdir(entry_path(album, layout::text).c_str());
+    const std::string title_line = title + "\r\n";
+    return save_text(text_path(album, head_name.name), title_line + title_line, head) &&
+           save_text(text_path(album, last_name.name), "", last);
+}
+
+bool loadphotocomment(std::string& text, const std::string& album, const std::string& photo) {
+    const std::string lower = photo_comment_path(album, photo, photo_suffix.name);
+    const std::string upper = photo_comment_path(album, photo, photo_suffix.upper_case);
+    const bool has_lower = is_exist(lower);
+    if (!has_lower && !is_exist(upper)) {
+        talolib::trace(std::cerr, lower, ": comment text open failed, ", std::strerror(errno));
+        return false;
+    }
+    const std::string& path = has_lower ? lower : upper;
+    if (!load_text(text, path)) {
+        libutils::report(path, ": comment text load failed, ", std::strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+bool loadphotocommentlines(std::list<std::string>& lines, const std::string& album, const std::string& photo) {
+    std::string text;
+    if (!loadphotocomment(text, album, photo)) {
+        return false;
+    }
+    lines = split_lines(text);
+    return true;
+}
+
+bool savephotocomment(const std::string& text, const std::string& album, const std::string& photo) {
+    const std::string path = photo_comment_path(album, photo, photo_suffix.name);
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!out) {
+        libutils::report(path, ": write open error, ", std::strerror(errno));
+        return false;
+    }
+    write_lines(out, text);
+    return true;
+}
+
+bool writephotocomment(std::ostream& out, std::list<std::string>& lines, unsigned long indent) {
+    bool after_empty = false;
+    for (const std::string& line : lines) {
+        if (line.empty()) {
+            out << libutils::putcn('\t', indent) << "<p>";
+        } else if (after_empty) {
+            out << line << '\n';
+        } else {
+            out << libutils::putcn('\t', indent) << "<br>" << line << '\n';
+        }
+        after_empty = line.empty();
+    }
+    return false;
+}
+
+}  // namespace taloram

@@ -1,0 +1,369 @@
+#include "album/reduced_sizes.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <optional>
+#include <tuple>
+
+#include "album/engine_step.h"
+#include "libgr/exif/app1_marker.h"
+#include "libgr/image/pixel_operations.h"
+#include "libgr/jpeg/jpegdata.h"
+#include "libgr/jpeg/lossless_turn.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "settings/settings.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+using markers_t = std::list<libgr::jpeginfo_t::marker_t>;
+
+// What the copies of a photograph take from its original.
+struct original_t {
+    std::string path;
+    std::optional<unsigned long> orientation;  // EXIF Orientation
+    libutils::bytes_t thumbnail;               // JPEG, empty without one
+};
+
+struct picture_t {
+    libgr::image2d_t image;
+    markers_t markers;
+};
+
+// False, after a report, when `dirs` can't hold the levels and the thumbnail.
+bool has_directories(const std::vector<std::string>& dirs, unsigned long level, const std::string& name) {
+    const bool enough = dirs.size() >= 2 && level <= dirs.size() - 2;
+    if (!enough) {
+        libutils::report(name, ": savejpeg failed.");
+    }
+    return enough;
+}
+
+bool read_original(original_t& original, const std::string& album, const std::string& name) {
+    original.path = original_path(album, name);
+    libgr::jpegdata_t data;
+    if (!data.load(original.path.c_str())) {
+        libutils::report(name, ": jpegdata load() failed.");
+        return false;
+    }
+    libgr::jpeginfo_t info;
+    if (!info.analyze_markers(data)) {
+        libutils::report(name, ": analyze_markers() failed.");
+        return false;
+    }
+    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
+    if (segment.empty()) {
+        return true;
+    }
+    libgr::app1_marker_t app1;
+    app1.set_app1_buffer(segment);
+    const bool parsed = app1.parse();
+    // It stands in the first directory and so was read even when a later part is broken.
+    if (const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation; !orientation.empty()) {
+        original.orientation = orientation.front();
+    }
+    if (parsed) {
+        original.thumbnail = app1.tiff_header.thumbnail;
+    }
+    return true;
+}
+
+// Level 0 is a byte copy, or turned without loss: in either case it keeps the camera's quality.
+bool write_level0(const original_t& original, const std::string& level0, const std::string& name, bool turned,
+                  unsigned long count) {
+    const bool written = turned ? rotatejpeg(original.path, level0, count) : copyjpeg(original.path, level0);
+    if (!written) {
+        libutils::report(name, turned ? ": rotatejpeg() failed." : ": copyjpeg() failed.");
+    }
+    return written;
+}
+
+bool decode(picture_t& picture, const std::string& path, const char* load_failure, const std::string& decode_subject) {
+    libgr::jpegdata_t data;
+    if (!data.load(path.c_str())) {
+        libutils::report(path, load_failure);
+        return false;
+    }
+    libgr::jpeginfo_t info;
+    if (!info.decompress(picture.image, data, 0, false, libgr::color3ub_t())) {
+        libutils::report(decode_subject, ": decompress() failed.");
+        return false;
+    }
+    picture.markers = info.markers;
+    return true;
+}
+
+bool halve(libgr::image2d_t& image, const std::string& subject) {
+    if (!libgr::scaledown(image, image)) {
+        libutils::report(subject, ": scaledown() failed.");
+        return false;
+    }
+    return true;
+}
+
+bool save_level(const std::string& path, picture_t& picture) {
+    if (!savejpeg(path, picture.image, picture.markers)) {
+        libutils::report(path, ": savejpeg failed.");
+        return false;
+    }
+    return true;
+}
+
+bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& thumbnail, unsigned long count) {
+    libgr::jpegdata_t data;
+    data.setvector(thumbnail, path.c_str());
+    if (!data.save(path.c_str())) {
+        libutils::report(path, ": thumbnail save failed, ", std::strerror(errno));
+        return false;
+    }
+    if (count != 0) {
+        // A thumbnail that can't be turned is still one.
+        static_cast<void>(rotatejpeg(path, path, count));
+    }
+    return true;
+}
+
+// The camera's own thumbnail turned by `count`; without one `picture`, which has half the size of the top level, is
+// halved once more.
+bool write_thumbnail(const std::string& path, const std::string& name, const original_t& original, picture_t& picture,
+                     unsigned long count) {
+    if (!original.thumbnail.empty()) {
+        return write_camera_thumbnail(path, original.thumbnail, count);
+    }
+    talolib::trace(std::cout, path, ": is scale down thumbnail.");
+    picture.markers.clear();
+    return halve(picture.image, name) && save_level(path, picture);
+}
+
+// The directories of a photograph, the numbered ones made where they are missing.
+std::vector<std::string> make_level_directories(const std::string& album, unsigned long level) {
+    const std::vector<std::string> dirs = level_directories(album, level);
+    std::for_each(dirs.begin(), dirs.end() - 1, [](const std::string& dir) { libutils::mkdir(dir.c_str()); });
+    return dirs;
+}
+
+// The level count of anything that may stand in an import list: what is no photograph has no original to ask.
+unsigned long listed_level(const std::string& album, const std::string& filename) {
+    return is_photo(filename) ? getshrinklevel(album, filename) : 0;
+}
+
+}  // namespace
+
+unsigned long getshrinklevel(const std::string& album, const std::string& name) {
+    const std::string path = original_path(album, name);
+    libgr::jpegdata_t data;
+    if (!data.load(path.c_str())) {
+        libutils::report(path, ": jpegdata load() failed.");
+        return 0;
+    }
+    libgr::jpeginfo_t info;
+    if (!info.analyze_markers(data)) {
+        libutils::report(path, ": analyze_markers() failed.");
+        return 0;
+    }
+    unsigned long level = 0;
+    while (info.width >> level > g_global.shrink_width || info.height >> level > g_global.shrink_height) {
+        ++level;
+    }
+    return level;
+}
+
+bool need_update(const std::string& source, const std::string& target) {
+    struct stat source_status {};
+    struct stat target_status {};
+    if (stat(source.c_str(), &source_status) != 0) {
+        return false;
+    }
+    if (stat(target.c_str(), &target_status) != 0) {
+        return true;
+    }
+    const auto time = [](const struct stat& status) { return std::tie(status.st_mtim.tv_sec, status.st_mtim.tv_nsec); };
+    return time(source_status) > time(target_status);
+}
+
+bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress) {
+    libutils::mkdir(entry_path(album, layout::thumb).c_str());
+    for (size_t i = 0; i < files.size(); ++i) {
+        const std::string& name = files[i].filename;
+        const unsigned long level = listed_level(album, name);
+        const std::vector<std::string> dirs = make_level_directories(album, level);
+        if (is_photo(name) && !shrinkone(dirs, album, name, level, files[i].rightrotatecount)) {
+            return false;
+        }
+        emit_progress(progress, i, files.size());
+    }
+    return true;
+}
+
+bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress) {
+    for (size_t i = 0; i < files.size(); ++i) {
+        const std::string& name = files[i].filename;
+        const unsigned long level = listed_level(album, name);
+        const std::vector<std::string> dirs = make_level_directories(album, level);
+        if (is_photo(name)) {
+            const auto missing = std::find_if(dirs.begin(), dirs.end(),
+                                              [&](const std::string& dir) { return !is_exist(entry_path(dir, name)); });
+            const bool turned = files[i].rightrotatecount != 0;
+            const auto start = turned ? 0 : static_cast<unsigned long>(missing - dirs.begin());
+            if ((turned || missing != dirs.end()) &&
+                !shrinkoneupdate(dirs, album, name, level, start, files[i].rightrotatecount)) {
+                return false;
+            }
+        }
+        emit_progress(progress, i, files.size());
+    }
+    return true;
+}
+
+bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,
+               unsigned long level, unsigned long rightrotatecount) {
+    original_t original;
+    if (!has_directories(dirs, level, name) || !read_original(original, album, name)) {
+        return false;
+    }
+    const bool turned = rightrotatecount != 0;
+    unsigned long count = rightrotatecount;
+    if (original.orientation) {
+        talolib::trace(std::cerr, "orientation: ", *original.orientation);
+        count = libgr::mixorientandrightrotatecount(rightrotatecount, *original.orientation);
+        talolib::trace(std::cerr, "rightrotatecount: ", count);
+    }
+
+    // A photograph that the user left alone stays as shot, whatever its orientation says: browsers turn it by the
+    // segments that every level then keeps. The camera's thumbnail has none and is turned in any case.
+    const std::string level0 = entry_path(dirs[0], name);
+    picture_t picture;
+    if (!write_level0(original, level0, name, turned, count) || !decode(picture, level0, ": load() failed.", level0)) {
+        return false;
+    }
+    if (turned) {
+        picture.markers.clear();
+    }
+    if (!halve(picture.image, name)) {
+        return false;
+    }
+    for (unsigned long k = 1; k <= level; ++k) {
+        const std::string path = entry_path(dirs[k], name);
+        // No halving for a level that is skipped, on purpose. An import removed the sizes of an old original before,
+        // so that it skips none.
+        if (need_update(original.path, path) && (!save_level(path, picture) || !halve(picture.image, path))) {
+            return false;
+        }
+    }
+    const std::string thumb = entry_path(dirs[level + 1], name);
+    return !need_update(original.path, thumb) || write_thumbnail(thumb, name, original, picture, count);
+}
+
+bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,
+                     unsigned long level, unsigned long startlevel, unsigned long rightrotatecount) {
+    original_t original;
+    if (!has_directories(dirs, level, name) || !read_original(original, album, name)) {
+        return false;
+    }
+    // The user's count only says that the photograph is to be done again: where the camera knew the orientation, that
+    // alone decides how far it is turned.
+    const bool turned = rightrotatecount != 0;
+    const unsigned long count =
+        original.orientation ? libgr::mixorientandrightrotatecount(0, *original.orientation) : rightrotatecount;
+    talolib::trace(std::cerr, "rightrotatecount: ", count);
+
+    const std::string level0 = entry_path(dirs[0], name);
+    const auto outdated = [&](const std::string& dir) { return need_update(original.path, entry_path(dir, name)); };
+    if ((turned || outdated(dirs[0])) && !write_level0(original, level0, name, turned, count)) {
+        return false;
+    }
+    const auto last = dirs.begin() + static_cast<std::ptrdiff_t>(level + 2);
+    if (!turned && std::none_of(dirs.begin(), last, outdated)) {
+        return true;
+    }
+
+    picture_t picture;
+    if (!decode(picture, level0, ": jpegdata load() failed.", name)) {
+        return false;
+    }
+    for (unsigned long k = 0; k < startlevel; ++k) {
+        if (!halve(picture.image, name)) {
+            return false;
+        }
+    }
+    // From level 0 on a turned photograph is written at the settings' quality, level 0 included. Of any other level 0
+    // is the copy from above and stays one, even when the original comes from a camera whose clock is ahead.
+    for (unsigned long k = startlevel; k <= level; ++k) {
+        const std::string path = entry_path(dirs[k], name);
+        if ((turned || (k != 0 && outdated(dirs[k]))) && !save_level(path, picture)) {
+            return false;
+        }
+        if (!halve(picture.image, path)) {
+            return false;
+        }
+    }
+    return write_thumbnail(entry_path(dirs[level + 1], name), name, original, picture, count);
+}
+
+bool copyjpeg(const std::string& from, const std::string& to) {
+    libgr::jpegdata_t data;
+    if (!data.load(from.c_str())) {
+        libutils::report(from, ": jpegdata load() failed.");
+        return false;
+    }
+    if (!data.save(to.c_str())) {
+        libutils::report(to, ": jpegdata save() failed.");
+        return false;
+    }
+    return true;
+}
+
+bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count) {
+    libgr::jpegdata_t data;
+    if (!data.load(from.c_str())) {
+        libutils::report(from, ": jpegdata load() failed.");
+        return false;
+    }
+    libgr::jpegdata_t turned;
+    if (!libgr::transform(count, turned, data)) {
+        libutils::report(from, ": transform() failed.");
+        return false;
+    }
+    if (!turned.save(to.c_str())) {
+        libutils::report(to, ": jpegdata save() failed.");
+        return false;
+    }
+    return true;
+}
+
+bool rotateallsize(const std::string& album, const std::string& name, unsigned long count) {
+    for (const std::string& dir : level_directories(album, getshrinklevel(album, name))) {
+        const std::string path = entry_path(dir, name);
+        if (!rotatejpeg(path, path, count)) {
+            libutils::report(path, ": rotate jpeg failed.");
+            return false;
+        }
+    }
+    return true;
+}
+
+bool savejpeg(const std::string& path, libgr::image2d_t& image, std::list<libgr::jpeginfo_t::marker_t>& markers) {
+    libgr::jpeginfo_t info;
+    info.markers = markers;
+    libgr::jpegdata_t data;
+    constexpr uint64_t best_quality = 100;
+    const auto quality = static_cast<int>(std::min(g_global.jpeg_compress, best_quality));
+    if (!info.compress(data, image, quality, true)) {
+        libutils::report(path, ": svjinfo compress() failed.");
+        return false;
+    }
+    if (!data.save(path.c_str())) {
+        libutils::report(path, "svjdata save() failed.");
+        return false;
+    }
+    return true;
+}
+
+}  // namespace taloram
