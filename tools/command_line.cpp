@@ -1,0 +1,253 @@
+#include "tools/command_line.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <string_view>
+
+#include "tools/wrong_use.h"
+
+namespace talomake {
+
+namespace {
+
+// CLI11 takes values in brackets for lists and "++" for the end of a subcommand, but here they name files. A blank
+// behind them keeps them whole until plain() takes it off.
+bool means_more_to_the_parser(const std::string& argument) {
+    return !argument.empty() && std::string_view("[{+").find(argument.front()) != std::string_view::npos;
+}
+
+std::string guarded(std::string argument) {
+    if (means_more_to_the_parser(argument)) {
+        argument += ' ';
+    }
+    return argument;
+}
+
+std::string plain(std::string argument) {
+    if (means_more_to_the_parser(argument)) {
+        argument.pop_back();
+    }
+    return argument;
+}
+
+std::vector<std::string> plain(std::vector<std::string> arguments) {
+    for (std::string& argument : arguments) {
+        argument = plain(std::move(argument));
+    }
+    return arguments;
+}
+
+std::optional<uint64_t> parse_decimal(std::string_view text) {
+    uint64_t value = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+uint64_t parse_angle(const std::string& option, std::string_view text) {
+    constexpr std::string_view angles[] = {"90", "180", "270"};
+    const auto* const found = std::find(std::begin(angles), std::end(angles), text);
+    if (found == std::end(angles)) {
+        throw CLI::ValidationError(option, "the angle must be 90, 180 or 270");
+    }
+    return static_cast<uint64_t>(found - std::begin(angles)) + 1;
+}
+
+rotation_t parse_rotation(const std::string& text) {
+    const size_t sign = text.rfind('=');
+    if (sign == std::string::npos) {
+        throw CLI::ValidationError("--rotate", "must be NAME=90, NAME=180 or NAME=270");
+    }
+    return {text.substr(0, sign), parse_angle("--rotate", std::string_view(text).substr(sign + 1))};
+}
+
+run_options_t::box_t parse_shrink_size(const std::string& text) {
+    const size_t comma = std::min(text.find(','), text.size());
+    const auto width = parse_decimal(std::string_view(text).substr(0, comma));
+    const auto height = parse_decimal(std::string_view(text).substr(std::min(comma + 1, text.size())));
+    if (width.value_or(0) == 0 || height.value_or(0) == 0) {
+        throw CLI::ValidationError("--shrink-size", "must be two positive numbers with a comma between them");
+    }
+    return {*width, *height};
+}
+
+uint64_t parse_quality(const std::string& text) {
+    const auto quality = parse_decimal(text);
+    if (!quality || *quality > 100) {
+        throw CLI::ValidationError("--quality", "must be a number from 0 to 100");
+    }
+    return *quality;
+}
+
+progress_mode_t parse_progress(const std::string& text) {
+    struct mode_t {
+        std::string_view text;
+        progress_mode_t mode;
+    };
+    constexpr mode_t modes[] = {
+        {"auto", progress_mode_t::automatic}, {"always", progress_mode_t::always}, {"never", progress_mode_t::never}};
+    for (const mode_t& mode : modes) {
+        if (mode.text == text) {
+            return mode.mode;
+        }
+    }
+    throw CLI::ValidationError("--progress", "must be auto, always or never");
+}
+
+std::string parse_title(const std::string& text) {
+    if (text.find_first_of("\r\n") != std::string::npos) {
+        throw CLI::ValidationError("--title", "must be one line");
+    }
+    return text;
+}
+
+// An option with one value, which `take` gets.
+template <typename Take>
+CLI::Option* add_value(CLI::App& app, const char* name, const char* type, const char* description, Take take) {
+    const auto take_plain = [take](const std::string& text) { take(plain(text)); };
+    return app.add_option_function<std::string>(name, take_plain, description)->type_name(type);
+}
+
+void add_flag(CLI::App& app, const char* name, bool& flag, const char* description) {
+    app.add_flag(name, flag, description)->disable_flag_override();
+}
+
+void define_run_options(CLI::App& app, run_options_t& run) {
+    add_value(app, "--shrink-size", "W,H", "the reduced sizes end with the first that fits into W x H pixels",
+              [&run](const std::string& text) { run.shrink_size = parse_shrink_size(text); });
+    add_value(app, "--quality", "N", "JPEG quality of reduced sizes and thumbnails, 0 to 100",
+              [&run](const std::string& text) { run.quality = parse_quality(text); });
+    add_value(app, "--progress", "WHEN", "show progress: auto (on a terminal), always or never",
+              [&run](const std::string& text) { run.progress = parse_progress(text); });
+    add_flag(app, "--trace", run.trace, "tell every step");
+}
+
+CLI::App* define_album(CLI::App& app, album_command_t& command) {
+    CLI::App* const album = app.add_subcommand("album", "Make an album of the photographs of a directory");
+    album->add_option("from_dir", command.from, "where the photographs are")->required()->type_name("");
+    album->add_option("album_dir", command.album, "the album; made when missing")->required()->type_name("");
+    album
+        ->add_option("file", command.files,
+                     "names of files in from_dir; without any, all but hidden ones, head.txt and last.txt")
+        ->type_name("");
+    add_value(*album, "--title", "TEXT", "the album's title",
+              [&command](const std::string& text) { command.title = parse_title(text); });
+    add_value(*album, "--head", "FILE", "text above the photographs",
+              [&command](const std::string& text) { command.head_file = text; });
+    add_value(*album, "--last", "FILE", "text below the photographs",
+              [&command](const std::string& text) { command.last_file = text; });
+    album
+        ->add_option_function<std::vector<std::string>>(
+            "--rotate",
+            [&command](const std::vector<std::string>& texts) {
+                for (const std::string& text : plain(texts)) {
+                    command.rotations.push_back(parse_rotation(text));
+                }
+            },
+            "turn a photograph clockwise by 90, 180 or 270 degrees; repeatable")
+        ->type_name("NAME=ANGLE")
+        ->allow_extra_args(false);
+    define_run_options(*album, command.run);
+    return album;
+}
+
+CLI::App* define_update(CLI::App& app, update_command_t& command) {
+    CLI::App* const update = app.add_subcommand("update", "Bring albums and books up to date");
+    update->add_option("dir", command.directories, "an album, or a book with all albums below it")
+        ->required()
+        ->type_name("");
+    define_run_options(*update, command.run);
+    return update;
+}
+
+CLI::App* define_book(CLI::App& app, book_command_t& command) {
+    CLI::App* const book = app.add_subcommand("book", "Rewrite the index page of books");
+    book->add_option("book_dir", command.directories, "a directory of albums")->required()->type_name("");
+    return book;
+}
+
+CLI::App* define_turn(CLI::App& app, turn_command_t& command) {
+    CLI::App* const turn = app.add_subcommand("turn", "Turn photographs of an album and rewrite its pages");
+    turn->add_option("album_dir", command.album, "the album")->required()->type_name("");
+    turn->add_option_function<std::string>(
+            "angle", [&command](const std::string& text) { command.quarter_turns = parse_angle("angle", text); },
+            "clockwise: 90, 180 or 270")
+        ->required()
+        ->type_name("");
+    turn->add_option("photo", command.photos, "names of photographs in the album")->required()->type_name("");
+    return turn;
+}
+
+CLI::App* define_exif(CLI::App& app, exif_command_t& command) {
+    CLI::App* const exif = app.add_subcommand("exif", "Print the shooting data of photographs");
+    exif->add_option("photo", command.photos, "JPEG files")->required()->type_name("");
+    add_flag(*exif, "--html", command.html, "as on an album's pages");
+    return exif;
+}
+
+}  // namespace
+
+std::optional<command_t> parse_command_line(int argc, const char* const* argv, int& status) {
+    CLI::App app("Makes static HTML albums of photographs.", "talomake");
+    app.set_version_flag("--version", "talomake " TALORAM_VERSION);
+    app.require_subcommand(1);
+    app.footer("Exit status: 0 done; 1 something failed, standard error tells what; 2 wrong use, nothing was touched.");
+
+    album_command_t album;
+    update_command_t update;
+    book_command_t book;
+    turn_command_t turn;
+    exif_command_t exif;
+    const CLI::App* const album_app = define_album(app, album);
+    const CLI::App* const update_app = define_update(app, update);
+    const CLI::App* const book_app = define_book(app, book);
+    const CLI::App* const turn_app = define_turn(app, turn);
+    define_exif(app, exif);
+    app.footer(
+        "Each command has --help. Settings are those of the file .taloram in the home directory; options win for one "
+        "run.\n" +
+        app.get_footer());
+
+    std::vector<std::string> backwards;  // the order that CLI11 wants
+    for (int i = argc - 1; i > 0; --i) {
+        backwards.push_back(guarded(argv[i]));
+    }
+    try {
+        app.parse(std::move(backwards));
+    } catch (const CLI::Success& request) {
+        status = app.exit(request);
+        return std::nullopt;
+    } catch (const CLI::Error& error) {
+        const std::vector<std::string> unknown = app.remaining();
+        static_cast<void>(unknown.empty() ? wrong_use(error.what())
+                                          : wrong_use(unknown.front(), ": no such command or option."));
+        status = status_wrong_use;
+        return std::nullopt;
+    }
+    if (album_app->parsed()) {
+        album.from = plain(album.from);
+        album.album = plain(album.album);
+        album.files = plain(album.files);
+        return album;
+    }
+    if (update_app->parsed()) {
+        update.directories = plain(update.directories);
+        return update;
+    }
+    if (book_app->parsed()) {
+        book.directories = plain(book.directories);
+        return book;
+    }
+    if (turn_app->parsed()) {
+        turn.album = plain(turn.album);
+        turn.photos = plain(turn.photos);
+        return turn;
+    }
+    exif.photos = plain(exif.photos);
+    return exif;
+}
+
+}  // namespace talomake

@@ -1,0 +1,202 @@
+#include "tools/commands.h"
+
+#include <cerrno>
+#include <cstring>
+#include <iostream>
+#include <sstream>
+#include <tuple>
+
+#include "album/album_pages.h"
+#include "album/album_update.h"
+#include "album/book_index.h"
+#include "album/comment_store.h"
+#include "album/engine_step.h"
+#include "album/exif_summary.h"
+#include "album/import.h"
+#include "album/reduced_sizes.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "settings/settings.h"
+#include "settings/settings_file.h"
+#include "talolib/message.h"
+#include "talolib/option.h"
+#include "tools/check_arguments.h"
+#include "tools/path_parts.h"
+#include "tools/progress_line.h"
+#include "tools/wrong_use.h"
+
+namespace talomake {
+
+using namespace taloram;
+
+namespace {
+
+// The catalogue and the settings file are those of the program with the window.
+constexpr const char* program_name = "taloram";
+
+void start_up(const char* program, const run_options_t& options = {}) {
+    const std::string directory = libutils::dirname(program);
+    const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
+    // Without a settings file the defaults stand.
+    std::ignore = loadini(libutils::dirname(catalogue).c_str(), program_name);
+    if (options.shrink_size) {
+        g_global.shrink_width = options.shrink_size->width;
+        g_global.shrink_height = options.shrink_size->height;
+    }
+    if (options.quality) {
+        g_global.jpeg_compress = *options.quality;
+    }
+    if (options.trace) {
+        talolib::g_option[talolib::option_trace] = 1;
+    }
+    initexif(directory.c_str(), program_name);
+}
+
+// The engine's four signals, connected to a progress line.
+class shown_progress_t {
+  public:
+    explicit shown_progress_t(progress_mode_t mode) : line_(mode) {
+        connect(copy, stage_t::copy);
+        connect(sizes, stage_t::sizes);
+        connect(pages, stage_t::pages);
+        connect(zoom_pages, stage_t::zoom_pages);
+    }
+
+    progress_t copy;
+    progress_t sizes;
+    progress_t pages;
+    progress_t zoom_pages;
+
+  private:
+    void connect(progress_t& signal, stage_t stage) {
+        signal.connect([this, stage](double fraction) { line_.step(stage, fraction); });
+    }
+
+    progress_line_t line_;
+};
+
+bool save_comments(const album_command_t& command, const album_job_t& job) {
+    std::string title;
+    std::string head;
+    std::string last;
+    loadcomment(job.from, title, head, last);
+    loadcommenttxt(job.album, title, head, last);
+    title = command.title.value_or(title);
+    if (title.empty()) {
+        title = directory_name(job.album);
+    }
+    return step_done(savecommenttxt(job.album, title, job.head.value_or(head), job.last.value_or(last)),
+                     "savecommenttxt");
+}
+
+bool make_album(const album_command_t& command, const album_job_t& job) {
+    if (!libutils::mkdir(job.album.c_str())) {
+        libutils::report(job.album, ": mkdir failed, ", std::strerror(errno));
+        return false;
+    }
+    if (!save_comments(command, job)) {
+        return false;
+    }
+    shown_progress_t progress(command.run.progress);
+    return makealbumwithrotate(job.from, job.files, job.album, progress.copy, progress.sizes, progress.pages,
+                               progress.zoom_pages);
+}
+
+// The index page of the book that the album is in, if it is in one.
+bool rewrite_book(const std::string& album) {
+    const std::string parent = parent_directory(album);
+    const bool is_book = libutils::is_directory(entry_path(parent, layout::text)) && !is_album(parent);
+    return !is_book || step_done(makehtmlbook(parent), "makehtmlbook");
+}
+
+class runner_t {
+  public:
+    explicit runner_t(const char* program) : program_(program) {}
+
+    int operator()(const album_command_t& command) const {
+        album_job_t job;
+        if (!check_album(command, job)) {
+            return status_wrong_use;
+        }
+        start_up(program_, command.run);
+        if (!make_album(command, job) || !rewrite_book(job.album)) {
+            return status_failed;
+        }
+        std::cout << job.album << "/index.html\n";
+        return status_done;
+    }
+
+    int operator()(const update_command_t& command) const {
+        std::vector<std::string> directories;
+        if (!check_directories(command.directories, directories)) {
+            return status_wrong_use;
+        }
+        start_up(program_, command.run);
+        shown_progress_t progress(command.run.progress);
+        bool good = true;
+        for (const std::string& directory : directories) {
+            good = batchupdate(directory, progress.copy, progress.sizes, progress.pages, progress.zoom_pages) && good;
+        }
+        return good ? status_done : status_failed;
+    }
+
+    int operator()(const book_command_t& command) const {
+        std::vector<std::string> books;
+        if (!check_books(command.directories, books)) {
+            return status_wrong_use;
+        }
+        start_up(program_);
+        bool good = true;
+        for (const std::string& book : books) {
+            good = makehtmlbook(book) && good;
+        }
+        return good ? status_done : status_failed;
+    }
+
+    int operator()(const turn_command_t& command) const {
+        std::string album;
+        if (!check_turn(command, album)) {
+            return status_wrong_use;
+        }
+        start_up(program_);
+        for (const std::string& photo : command.photos) {
+            if (!step_done(rotateallsize(album, photo, command.quarter_turns), "rotateallsize")) {
+                return status_failed;
+            }
+        }
+        progress_t unseen;
+        const bool good =
+            step_done(makehtml(album, unseen), "makehtml") && step_done(makehtmlzoom(album, unseen), "makehtmlzoom");
+        return good ? status_done : status_failed;
+    }
+
+    int operator()(const exif_command_t& command) const {
+        if (!check_photos(command.photos)) {
+            return status_wrong_use;
+        }
+        start_up(program_);
+        int status = status_done;
+        for (const std::string& photo : command.photos) {
+            // A stream of its own: the number format that one summary leaves behind must not reach the next.
+            std::ostringstream summary;
+            const bool good = writeexif(summary, "", directory_of_file(photo), last_component(photo), command.html);
+            std::cout << photo << '\n' << summary.str() << std::endl;
+            if (!good) {
+                libutils::report(photo, ": no EXIF summary.");
+                status = status_failed;
+            }
+        }
+        return status;
+    }
+
+  private:
+    const char* program_;
+};
+
+}  // namespace
+
+int run_command(const char* program, const command_t& command) {
+    return std::visit(runner_t(program), command);
+}
+
+}  // namespace talomake
