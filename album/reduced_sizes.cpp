@@ -46,11 +46,27 @@ bool has_directories(const std::vector<std::string>& dirs, unsigned long level, 
     return enough;
 }
 
+// The file `path`; a failure is reported about `subject`.
+bool load_file(libgr::jpegdata_t& data, const std::string& path, const std::string& subject) {
+    const bool loaded = data.load(path.c_str());
+    if (!loaded) {
+        libutils::report(subject, ": jpegdata load() failed.");
+    }
+    return loaded;
+}
+
+bool save_file(libgr::jpegdata_t& data, const std::string& path) {
+    const bool saved = data.save(path.c_str());
+    if (!saved) {
+        libutils::report(path, ": jpegdata save() failed.");
+    }
+    return saved;
+}
+
 bool read_original(original_t& original, const std::string& album, const std::string& name) {
     original.path = original_path(album, name);
     libgr::jpegdata_t data;
-    if (!data.load(original.path.c_str())) {
-        libutils::report(name, ": jpegdata load() failed.");
+    if (!load_file(data, original.path, name)) {
         return false;
     }
     libgr::jpeginfo_t info;
@@ -144,7 +160,7 @@ bool write_thumbnail(const std::string& path, const std::string& name, const ori
 
 // The directories of a photograph, the numbered ones made where they are missing.
 std::vector<std::string> make_level_directories(const std::string& album, unsigned long level) {
-    const std::vector<std::string> dirs = level_directories(album, level);
+    std::vector<std::string> dirs = level_directories(album, level);
     std::for_each(dirs.begin(), dirs.end() - 1, [](const std::string& dir) { libutils::mkdir(dir.c_str()); });
     return dirs;
 }
@@ -159,8 +175,7 @@ unsigned long listed_level(const std::string& album, const std::string& filename
 unsigned long getshrinklevel(const std::string& album, const std::string& name) {
     const std::string path = original_path(album, name);
     libgr::jpegdata_t data;
-    if (!data.load(path.c_str())) {
-        libutils::report(path, ": jpegdata load() failed.");
+    if (!load_file(data, path, path)) {
         return 0;
     }
     libgr::jpeginfo_t info;
@@ -309,21 +324,12 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
 
 bool copyjpeg(const std::string& from, const std::string& to) {
     libgr::jpegdata_t data;
-    if (!data.load(from.c_str())) {
-        libutils::report(from, ": jpegdata load() failed.");
-        return false;
-    }
-    if (!data.save(to.c_str())) {
-        libutils::report(to, ": jpegdata save() failed.");
-        return false;
-    }
-    return true;
+    return load_file(data, from, from) && save_file(data, to);
 }
 
 bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count) {
     libgr::jpegdata_t data;
-    if (!data.load(from.c_str())) {
-        libutils::report(from, ": jpegdata load() failed.");
+    if (!load_file(data, from, from)) {
         return false;
     }
     libgr::jpegdata_t turned;
@@ -331,11 +337,7 @@ bool rotatejpeg(const std::string& from, const std::string& to, unsigned long co
         libutils::report(from, ": transform() failed.");
         return false;
     }
-    if (!turned.save(to.c_str())) {
-        libutils::report(to, ": jpegdata save() failed.");
-        return false;
-    }
-    return true;
+    return save_file(turned, to);
 }
 
 bool rotateallsize(const std::string& album, const std::string& name, unsigned long count) {

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <utility>
+
 #include "libutils/alloc_new.h"
 #include "libutils/refvector2.h"
 
@@ -27,11 +29,8 @@ class refvector {
     [[nodiscard]] virtual const T* operator->() const { return elements(); }
 
     virtual refvector& operator=(const refvector& other) {
-        if (header_ != other.header_) {
-            release();
-            header_ = other.header_;
-            retain();
-        }
+        refvector copy(other);
+        std::swap(header_, copy.header_);
         return *this;
     }
 

@@ -7,6 +7,7 @@
 #include <limits>
 #include <new>
 #include <type_traits>
+#include <utility>
 
 #include "libutils/alloc_mmap_unix.h"
 
@@ -22,11 +23,8 @@ class refvector2 {
     refvector2() = default;
     refvector2(const refvector2& other) : block_(other.block_) { retain(); }
     refvector2& operator=(const refvector2& other) {
-        if (block_ != other.block_) {
-            deallocate();
-            block_ = other.block_;
-            retain();
-        }
+        refvector2 copy(other);
+        std::swap(block_, copy.block_);
         return *this;
     }
 
