@@ -1,0 +1,44 @@
+#include "album/comment_store.h"
+
+#include "tests/album/album_fixture.h"
+
+using comment_store_test = album_test_t;
+
+TEST_F(comment_store_test, head_files) {
+    const std::string path = album + "/txt/head.txt";
+    const std::vector<std::string> cases[] = {
+        // file, title, head, warning
+        {"Trip\r\nTrip\r\na\r\n\r\nb", "Trip", "a\r\n\r\nb", ""},
+        {"Trip\r\nTrip2\r\na\n", "Trip", "a\n", path + ": title different.\nTrip\r\nTrip2\r\n"},
+        {"Trip\n", "Trip", "", path + ": title different.\nTrip\n\n"},
+        {"Trip\nTrip", "Trip", "", ""},
+        {"\n\na", "old", "a", ""},
+        {"", "old", "", ""},
+    };
+    for (const auto& c : cases) {
+        put(path, c[0]);
+        std::string title = "old", head = "old", last = "old";
+        EXPECT_EQ("true\n" + c[3], outcome([&] { return loadcommenttxt(album, title, head, last); }));
+        EXPECT_EQ(c[1] + "|" + c[2] + "|old", title + "|" + head + "|" + last) << c[0];
+    }
+}
+
+TEST_F(comment_store_test, upper_case_names_are_read_until_the_first_save) {
+    put(album + "/txt/HEAD.TXT", "Up\nUp\n");
+    put(album + "/txt/LAST.TXT", "bye");
+    put(album + "/txt/p.jpg.TXT", "up");
+    std::string title, head, last, photo;
+    EXPECT_TRUE(loadcommenttxt(album, title, head, last) && loadphotocomment(photo, album, "p.jpg"));
+    EXPECT_EQ("Up bye up", title + " " + last + " " + photo);
+    EXPECT_TRUE(savecommenttxt(album, "Trip", "one\n\ntwo\r\n", "") && savephotocomment("one\ntwo", album, "x/p.jpg"));
+    EXPECT_EQ("Trip\r\nTrip\r\none\r\n\r\ntwo\r\n", text_of(album + "/txt/head.txt"));
+    std::list<std::string> lines{"old"};
+    EXPECT_TRUE(loadcommenttxt(album, title, head, last) && loadphotocommentlines(lines, album, "p.jpg"));
+    EXPECT_EQ("Trip|one\r|two\r|", title + "|" + lines.front() + "|" + lines.back() + "|" + last);
+    EXPECT_EQ("false\n", outcome([&] { return loadphotocommentlines(lines, album, "q.jpg") || lines.empty(); }));
+    const std::string head_path = album + "/txt/head.txt";
+    fs::remove(head_path);
+    fs::create_symlink("/dev/full", head_path);
+    EXPECT_EQ("false\n" + head_path + ": file write error.\n",
+              outcome([&] { return savecommenttxt(album, "Trip", "", ""); }));
+}
