@@ -22,9 +22,15 @@ class refvector2 {
   public:
     refvector2() = default;
     refvector2(const refvector2& other) : block_(other.block_) { retain(); }
+    refvector2(refvector2&& other) noexcept : block_(std::exchange(other.block_, nullptr)) {}
     refvector2& operator=(const refvector2& other) {
         refvector2 copy(other);
         std::swap(block_, copy.block_);
+        return *this;
+    }
+    refvector2& operator=(refvector2&& other) noexcept {
+        refvector2 moved(std::move(other));
+        std::swap(block_, moved.block_);
         return *this;
     }
 

@@ -1,3 +1,5 @@
+#include <limits>
+
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/libjpeg_bridge.h"
 #include "libgr/jpeg/pixel_layout.h"
@@ -7,6 +9,8 @@
 namespace libgr {
 
 namespace {
+
+constexpr int all_scans = std::numeric_limits<int>::max();
 
 // The rows of an image as libjpeg delivers them.
 struct rows_t {
@@ -27,28 +31,37 @@ bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, const jpeg_dec
     return img.rowsize() <= memory_limit() / img.window.height && img.allocate() && img.holds_window();
 }
 
-// Takes in every scan of a file that has several, as far as the data goes.
-void take_in_scans(decompressor_t& reader) {
+struct outcome_t {
+    int scans = 0;          // taken in whole, of a file in several scans
+    bool complete = false;  // the compressed data did not end early
+};
+
+// Takes in the first scans of a file that has several, as far as the data goes.
+void take_in_scans(decompressor_t& reader, int wanted, outcome_t& outcome) {
+    jpeg_decompress_struct& info = reader.info;
     int status = 0;
-    do {
-        status = jpeg_consume_input(&reader.info);
-        refuse_endless_scans(reinterpret_cast<j_common_ptr>(&reader.info));
-        // Behind the last scan of a file cut short libjpeg would meet its beginning again and give up.
-    } while (status != JPEG_REACHED_EOI && !(status == JPEG_SCAN_COMPLETED && reader.ran_out()));
-    if (reader.ran_out() && reader.info.Ss == 0) {
-        // Smoothing reads ahead of a scan of DC coefficients, into what isn't there.
-        reader.info.do_block_smoothing = FALSE;
+    // Behind the last scan of a file cut short libjpeg would meet its beginning again and give up.
+    while (status != JPEG_REACHED_EOI && outcome.scans < wanted &&
+           !(status == JPEG_SCAN_COMPLETED && reader.ran_out())) {
+        status = jpeg_consume_input(&info);
+        refuse_endless_scans(reinterpret_cast<j_common_ptr>(&info));
+        outcome.scans += status == JPEG_SCAN_COMPLETED ? 1 : 0;
+    }
+    outcome.complete = status == JPEG_REACHED_EOI && !reader.early_end();
+    if (status != JPEG_REACHED_EOI && info.Ss == 0) {
+        // Smoothing reads on behind a scan of DC coefficients.
+        info.do_block_smoothing = FALSE;
     }
 }
 
-// False when the compressed data ended early; of a file in one scan, the rows from there on are left alone.
-bool decode_rows(decompressor_t& reader, const rows_t& rows) {
+// Decodes row by row. Of a file in one scan whose compressed data ends early, the rows from there on are left alone.
+void decode_rows(decompressor_t& reader, const rows_t& rows, int wanted_scans, outcome_t& outcome) {
     jpeg_decompress_struct& info = reader.info;
     const bool several_scans = jpeg_has_multiple_scans(&info) != FALSE;
     info.buffered_image = several_scans ? TRUE : FALSE;
     jpeg_start_decompress(&info);
     if (several_scans) {
-        take_in_scans(reader);
+        take_in_scans(reader, wanted_scans, outcome);
         jpeg_start_output(&info, info.input_scan_number);
     }
     if (uint64_t{info.output_width} * static_cast<unsigned>(info.output_components) > rows.stride ||
@@ -58,14 +71,31 @@ bool decode_rows(decompressor_t& reader, const rows_t& rows) {
     while (info.output_scanline < info.output_height) {
         JSAMPROW row = rows.row(info.output_scanline);
         if (jpeg_read_scanlines(&info, &row, 1) == 0 || (!several_scans && reader.early_end())) {
-            return false;
+            return;
         }
     }
-    if (several_scans) {
-        return !reader.early_end() && !reader.ran_out();
+    if (!several_scans) {
+        jpeg_finish_decompress(&info);
+        outcome.complete = true;
     }
-    jpeg_finish_decompress(&info);
-    return true;
+}
+
+void open_file(decompressor_t& reader) {
+    reader.create();
+    reader.keep_segments(0xFFFF);
+    reader.read_header();
+}
+
+// When a later scan can't be read at all, those before it still make a picture. What is wrong with the file has been
+// written.
+void decode_first_scans(const jpegdata_t& d, const rows_t& rows, int scans) {
+    decompressor_t reader(d);
+    reader.silence();
+    (void)reader.attempt([&] {
+        outcome_t outcome;
+        open_file(reader);
+        decode_rows(reader, rows, scans, outcome);
+    });
 }
 
 }  // namespace
@@ -74,11 +104,7 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
                             const color3ub_t& /*color*/) {
     markers.clear();
     decompressor_t reader(d);
-    if (!reader.attempt([&] {
-            reader.create();
-            reader.keep_segments(0xFFFF);
-            reader.read_header();
-        })) {
+    if (!reader.attempt([&] { open_file(reader); })) {
         libutils::report(shown_name(d), ": jpeg decompress fail, stop.");
         return false;
     }
@@ -98,10 +124,14 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
         }
     }
     const rows_t rows{img.pixel(0, 0), img.rowsize(), img.window.height};
-    bool complete = false;
-    if (!reader.attempt([&] { complete = decode_rows(reader, rows); })) {
+    outcome_t outcome;
+    if (!reader.attempt([&] { decode_rows(reader, rows, all_scans, outcome); })) {
+        reader.close();
+        if (outcome.scans > 0) {
+            decode_first_scans(d, rows, outcome.scans);
+        }
         libutils::report(shown_name(d), ": jpeg decompress fail, but continue.");
-    } else if (!complete) {
+    } else if (!outcome.complete) {
         libutils::report(shown_name(d), ": decompress fail.");
     }
     return true;

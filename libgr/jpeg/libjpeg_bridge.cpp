@@ -2,6 +2,7 @@
 
 #include <unistd.h>
 
+#include <algorithm>
 #include <new>
 
 #include "libutils/diagnostics.h"
@@ -46,9 +47,17 @@ void output_message(j_common_ptr info) {
     libutils::report(text);
 }
 
+void output_read_message(j_common_ptr info) {
+    if (!errors_of(info).silent) {
+        output_message(info);
+    }
+}
+
 [[noreturn]] void my_error_exit(j_common_ptr info) {
     error_manager_t& errors = errors_of(info);
-    libutils::report(shown_name(*errors.data), ": error detected.");
+    if (!errors.silent) {
+        libutils::report(shown_name(*errors.data), ": error detected.");
+    }
     errors.output_message(info);
     std::longjmp(errors.jump, 1);
 }
@@ -156,11 +165,13 @@ void install_destination(j_compress_ptr info, jpegdata_t& out) {
 }  // namespace
 
 uint64_t memory_limit() {
+    constexpr uint64_t always = uint64_t{1} << 30;
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_bytes = sysconf(_SC_PAGE_SIZE);
-    constexpr uint64_t unknown = uint64_t{1} << 32;
-    return pages <= 0 || page_bytes <= 0 ? unknown
-                                         : static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 2;
+    if (pages <= 0 || page_bytes <= 0) {
+        return always;
+    }
+    return std::max(always, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
 }
 
 const char* shown_name(const jpegdata_t& data) {
@@ -177,7 +188,7 @@ decompressor_t::decompressor_t(const jpegdata_t& data) : data_(&data) {
     info.err = jpeg_std_error(&errors_);
     errors_.data = &data;
     errors_.error_exit = my_error_exit;
-    errors_.output_message = output_message;
+    errors_.output_message = output_read_message;
     errors_.standard_emit_message = errors_.emit_message;
     errors_.emit_message = emit_message;
     errors_.addon_message_table = own_messages;

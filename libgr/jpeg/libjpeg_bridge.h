@@ -19,8 +19,8 @@ constexpr unsigned max_segment_bytes = 65533;
 // libjpeg's own limit in both directions.
 constexpr uint32_t max_picture_side = 65500;
 
-// The most memory that one picture may take, in bytes: half of the machine's. A damaged header of a few bytes can ask
-// for gigabytes.
+// The most memory that a picture's pixels, and its coefficients, may take: a quarter of the machine's, at least 1 GiB;
+// in bytes. A damaged header of a few bytes can ask for tens of gigabytes.
 [[nodiscard]] uint64_t memory_limit();
 
 // The name that messages about `data` begin with; "" when it has none.
@@ -33,6 +33,7 @@ struct error_manager_t : jpeg_error_mgr {
     void (*standard_emit_message)(j_common_ptr, int);
     unsigned segments;  // met so far
     bool early_end;     // libjpeg warned that the compressed data stopped short
+    bool silent;
 };
 
 // Source manager over a whole file in memory.
@@ -71,6 +72,10 @@ class decompressor_t {
     void create();
     void keep_segments(unsigned app_bytes);  // COM whole, each APPn up to app_bytes
     void read_header();
+
+    void silence() { errors_.silent = true; }
+    // Releases all memory now.
+    void close() { jpeg_destroy_decompress(&info); }
 
     // libjpeg warned that the compressed data ended or hit a marker too early.
     [[nodiscard]] bool early_end() const { return errors_.early_end; }
