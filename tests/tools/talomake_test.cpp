@@ -1,0 +1,180 @@
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <sstream>
+
+#include "tests/support/fixtures.h"
+#include "tests/support/photo_maker.h"
+
+namespace {
+
+using namespace test_support;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+
+struct result_t {
+    int status;  // 99: a sanitizer spoke, from 128 on: a signal
+    std::string out;
+    std::string err;
+};
+
+// A home directory with a card of two photographs, a movie and texts, and a book that albums are made in.
+class talomake : public testing::Test {
+  protected:
+    void SetUp() override {
+        run("mkdir -p card book/txt; printf 'Book\\nBook\\n' > book/txt/head.txt");
+        run("cd card; echo m >clip.MOV; echo C >a.jpg.txt; touch .hidden.jpg; printf 'Card\\nCard\\n' >head.txt");
+        write_file(home_ / "card/a.jpg", make_camera_jpeg({.width = 200, .height = 120}, 1, false));
+        write_file(home_ / "card/B.JPG", make_camera_jpeg({.width = 64, .height = 48, .seed = 2}, 6, true));
+    }
+
+    // What a shell in the home directory answers.
+    result_t run(const std::string& command) {
+        const std::string program = "talomake() { '" TALOMAKE "' \"$@\"; }\n";
+        const std::string home =
+            "export HOME=" + home_.path() + " ASAN_OPTIONS=exitcode=99 UBSAN_OPTIONS=exitcode=99\n";
+        const std::string streams = " >" + output_.path() + "/out 2>" + output_.path() + "/err </dev/null";
+        const int status = std::system((program + home + "{ cd; " + command + "\n}" + streams).c_str());
+        const blob_t out = read_file(output_ / "out");
+        const blob_t err = read_file(output_ / "err");
+        return {WEXITSTATUS(status), {out.begin(), out.end()}, {err.begin(), err.end()}};
+    }
+
+    temp_dir_t home_;
+    temp_dir_t output_;
+};
+
+TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
+    ASSERT_EQ(run("mkdir -p book/in/original; talomake album card old").status, 0);
+    const std::string state = "find . -printf '%p %T@ %s\\n' | sort";
+    const std::string before = run(state).out;
+    std::istringstream uses(
+        ";none;--bogus;album;album card;album none new;album card/a.jpg new;album card none/new;album card card/a.jpg;"
+        "album card '';album '' new;album card book;album . new card;update;update none;update card/a.jpg;"
+        "update old none;book;book none;book old;turn old 90;turn old 45 a.jpg;turn old 90 a.jpg a.jpg;"
+        "turn old 90 ../original/a.jpg;turn old 90 clip.MOV;turn card 90 a.jpg;exif;exif card/a.jpg none;exif card;"
+        "album card new --bogus;album card new missing.jpg;album card new ../card/a.jpg;album card new ..;"
+        "album card new '';album card new a.jpg a.jpg;album card new 'two\nlines';album card new --rotate a.jpg;"
+        "album card new --rotate a.jpg=45;album card new --rotate a.jpg=090;album card new --rotate clip.MOV=90;"
+        "album card new --rotate .hidden.jpg=90;album card new B.JPG --rotate a.jpg=90;"
+        "album card new --rotate a.jpg=90 --rotate a.jpg=180;album card new --shrink-size 0,768;"
+        "album card new --shrink-size 1024;album card new --shrink-size 1024x768;album card new --shrink-size -1,5;"
+        "album card new --quality 101;album card new --quality '';album card new --progress often;"
+        "album card new --title 'two\nlines';album card new --head none;album card new --last card");
+    for (std::string use; std::getline(uses, use, ';');) {
+        SCOPED_TRACE(use);
+        const result_t result = run("talomake " + use);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_EQ(result.out, "");
+        EXPECT_THAT(result.err, MatchesRegex("talomake: [^\n]+\n"));
+        EXPECT_EQ(run(state).out, before);
+    }
+    for (const std::string command : {"", "album ", "update ", "book ", "turn ", "exif "}) {
+        EXPECT_THAT(run("talomake " + command + "--help").out, HasSubstr("talomake " + command + "[OPTIONS] "));
+    }
+}
+
+TEST_F(talomake, makes_an_album_in_a_book) {
+    const result_t result = run(
+        "printf 'Opening\\nlines' >o; talomake album card/ book/new/ --title 'My title' --head o --rotate a.jpg=90");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.out, "book/new/index.html\n");
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(run("cat book/new/txt/head.txt").out, "My title\r\nMy title\r\nOpening\r\nlines\r\n");
+    EXPECT_EQ(run("cmp card/a.jpg.txt book/new/txt/a.jpg.txt && cmp card/B.JPG book/new/size0/B.JPG").status, 0);
+    EXPECT_EQ(decode(read_file(home_ / "book/new/size0/a.jpg")).height, 200U);
+    EXPECT_THAT(run("cat book/new/index.html").out, HasSubstr("<h1>My title</h1></CENTER>\n<br>Opening\n"));
+    EXPECT_THAT(run("cat book/index.html").out, HasSubstr("<td>new<td>1+2<td>"));
+}
+
+TEST_F(talomake, takes_the_title_from_the_nearest_place) {
+    struct case_t {
+        const char *options, *in_album, *in_card, *title;
+    };
+    for (const case_t& c : {case_t{"--title Option", "Old", "Card", "Option"},
+                            {"", "Old", "Card", "Old"},
+                            {"", "", "Card", "Card"},
+                            {"", "", "", "album"},
+                            {"--title ''", "Old", "", "album"}}) {
+        SCOPED_TRACE(c.title);
+        run("mkdir -p album/txt; echo " + std::string(c.in_album) + " >album/txt/head.txt");
+        run("echo " + std::string(c.in_card) + " >card/head.txt");
+        EXPECT_EQ(run(std::string("talomake album card album clip.MOV ") + c.options).status, 0);
+        EXPECT_EQ(run("head -n 1 album/txt/head.txt").out, c.title + std::string("\r\n"));
+    }
+}
+
+TEST_F(talomake, honours_the_settings_file_and_lets_options_win) {
+    write_file(home_ / ".taloram", "shrink_size=100,100\r\njpeg_compress=10\r\n");
+    EXPECT_EQ(run("talomake album card low && talomake album card high --quality 95").status, 0);
+    EXPECT_EQ(run("talomake album card small --shrink-size 50,50").status, 0);
+    EXPECT_GT(read_file(home_ / "high/size1/a.jpg").size(), read_file(home_ / "low/size1/a.jpg").size());
+    EXPECT_EQ(run("ls */size2/a.jpg").out, "small/size2/a.jpg\n");
+}
+
+TEST_F(talomake, shows_progress_apart_from_errors) {
+    EXPECT_THAT(run("talomake album card always --progress always").err,
+                MatchesRegex("(\r[^\r\n]+\n?)*\rWriting zoom pages +\\[#+\\] +2/2 +[0-9.]+ files/s\n"));
+    run("echo no photograph > card/b.jpg");
+    EXPECT_THAT(
+        run("talomake album card broken --progress always a.jpg b.jpg").err,
+        MatchesRegex("(\rCopying[^\r\n]*)+\n(\rMaking sizes[^\r\n]+\r +\r[^\r\n]+\n)+\rMaking sizes.* 1/2 .*\n"));
+    const result_t quiet = run("talomake album card broken a.jpg b.jpg");
+    EXPECT_EQ(quiet.status, 1);
+    EXPECT_EQ(quiet.out, "");
+    EXPECT_THAT(quiet.err, MatchesRegex("([^\r\n]+\n)+shrink\\(\\) failed.\n"));
+
+    const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
+    ASSERT_TRUE(grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    const std::string on_terminal = std::string(" 2>") + ptsname(terminal);
+    char seen[4096] = "";
+    run("talomake album card never a.jpg --progress never" + on_terminal);
+    EXPECT_LE(read(terminal, seen, sizeof seen), 0) << seen;
+    run("talomake album card auto a.jpg" + on_terminal);
+    EXPECT_GT(read(terminal, seen, sizeof seen), 0);
+    close(terminal);
+}
+
+TEST_F(talomake, updates_and_turns) {
+    write_file(home_ / ".taloram", "shrink_size=100,100\r\n");
+    ASSERT_EQ(run("talomake album card book/one && talomake album card book/two B.JPG").status, 0);
+    EXPECT_EQ(run("rm */one/size1/a.jpg */two/index.html */index.html; talomake update book/").status, 0);
+    EXPECT_EQ(run("ls */one/size1/a.jpg */*/index.html */index.html && rm */index.html").status, 0);
+    EXPECT_EQ(run("talomake book book && ls */index.html").status, 0);
+    EXPECT_EQ(run("talomake turn book/one 270 a.jpg && grep '>120x200 (' book/one/index.html").status, 0);
+    EXPECT_THAT(run("rm book/one/size1/a.jpg; talomake turn book/one 90 a.jpg").err,
+                EndsWith(": rotate jpeg failed.\nrotateallsize() failed.\n"));
+}
+
+TEST_F(talomake, prints_exif) {
+    exif_builder_t camera;
+    camera.rational(exif_builder_t::exif, 0x829D, 28, 10).rational(exif_builder_t::exif, 0x920A, 73, 10);
+    write_file(home_ / "card/a.jpg", make_jpeg({.segments = {{0xE1, camera.app1()}}}));
+    const std::string plain = "card/a.jpg\n\tf=7.3mm, f/2.8\t\t, \n";
+    EXPECT_EQ(run("export LC_ALL=de_DE.UTF-8; talomake exif card/a.jpg").out, plain);
+    EXPECT_THAT(run("talomake exif --html card/a.jpg").out, HasSubstr("\t<br>f=7.3mm"));
+    const result_t mixed = run("talomake exif card/clip.MOV card/a.jpg card/a.jpg");
+    EXPECT_EQ(mixed.status, 1);
+    EXPECT_EQ(mixed.out, "card/clip.MOV\n\n" + plain + plain);
+    EXPECT_THAT(mixed.err, EndsWith("card/clip.MOV: no EXIF summary.\n"));
+    EXPECT_EQ(run("talomake exif card/a.jpg >/dev/full").status, 1);
+    EXPECT_EQ(run("talomake exif card/a.jpg >&-").status, 1);
+}
+
+TEST_F(talomake, survives_real_photographs) {
+    if (real_photos().empty()) {
+        GTEST_SKIP() << "no real photographs here";
+    }
+    const std::string script = "cd '" + real_photos() + R"(' || echo none
+        check() { e=$(talomake "$@" 2>&1 >/dev/null); case $?:$e in 0:* | 1:?*) ;; *) echo "$@: $e" ;; esac; }
+        for d in *; do test -d $d || continue; check album $d $HOME/$d; check exif $d/*; done
+        for f in damaged/*; do check album damaged $HOME/${f#*/} ${f#*/}; done)";
+    EXPECT_EQ(run(script).out, "");
+}
+
+}  // namespace
