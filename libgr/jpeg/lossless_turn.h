@@ -8,8 +8,11 @@ namespace libgr {
 // writes the new stream to `dst`. APPn and COM segments are not carried over.
 //
 // Blocks of a partial iMCU at the edge that would have to change sides stay where they are, so no pixel
-// is lost. Returns false, after one line on standard error, when `count` is over 3 or `src` can't be read;
-// also false when libjpeg warned, and `dst` then holds the stream all the same.
+// is lost. Coefficients that no 8-bit picture can have, in a damaged file, are cut to what can be written;
+// libjpeg's warning tells. `dst` may be `src`; it keeps its name.
+//
+// Returns false, after a message on standard error, when `count` is over 3 or `src` can't be read to its
+// end, and leaves `dst` alone; also false when libjpeg warned, and `dst` then holds the stream all the same.
 [[nodiscard]] bool transform(unsigned long count, jpegdata_t& dst, const jpegdata_t& src);
 
 }  // namespace libgr

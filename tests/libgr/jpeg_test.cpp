@@ -35,8 +35,7 @@ TEST(Jpeg, KeepsSegmentsInFileOrder) {
         photo.segments.push_back({static_cast<uint8_t>(marker), body});
     }
     jpegdata_t data = in_memory(make_jpeg(photo));
-    jpeginfo_t info;
-    jpeginfo_t decoded;
+    jpeginfo_t info, decoded;
     image2d_t image;
     ASSERT_TRUE(info.analyze_markers(data) && decoded.decompress(image, data, 0, false, {}));
     data.clear();
@@ -50,6 +49,7 @@ TEST(Jpeg, KeepsSegmentsInFileOrder) {
     ASSERT_TRUE(decoded.compress(data, image, 90, true) && info.analyze_markers(data));
     info.markers.pop_front();  // libjpeg's own JFIF segment
     EXPECT_EQ(segments_of(info), wanted);
+    EXPECT_NEAR(decode(bytes_of(data)).bytes[0], *image.pixel(0, 16), 20) << "the top row is the buffer's last";
 }
 
 TEST(Jpeg, UnreadableHeadersEnd) {

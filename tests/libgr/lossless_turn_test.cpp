@@ -1,7 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/lossless_turn.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -20,16 +19,19 @@ blob_t turned(unsigned long count, const blob_t& file, bool good = true) {
 }
 
 TEST(LosslessTurn, MovesEveryPixelByTheRules) {
-    // Only the whole iMCUs of a row or column are mirrored.
+    // Only whole iMCUs are mirrored; their size stands in the table.
     const auto mirrored = [](unsigned i, unsigned whole) { return i < whole ? whole - 1 - i : i; };
     using s = sampling_t;
     const std::tuple<const char*, s, unsigned, unsigned> cases[] = {
-        // iMCU size
         {"4:4:4", s::s444, 8, 8},   {"4:2:2", s::s422, 16, 8}, {"4:4:0", s::s440, 8, 16},
         {"4:2:0", s::s420, 16, 16}, {"4:1:1", s::s411, 32, 8}, {"gray", s::gray, 8, 8}};
     for (const auto& [name, sampling, imcu_width, imcu_height] : cases) {
         for (const auto& [width, height] : {std::pair(64U, 96U), {75U, 53U}, {7U, 5U}, {17U, 16U}}) {
-            const blob_t file = make_jpeg({.width = width, .height = height, .sampling = sampling});
+            blob_t file = make_jpeg({.width = width, .height = height, .sampling = sampling});
+            if (sampling == s::gray) {
+                // Sampling factors mean nothing to one component.
+                file[std::string(file.begin(), file.end()).find("\xFF\xC0") + 11] = 0x22;
+            }
             const pixels_t from = decode(file);
             const unsigned w = width / imcu_width * imcu_width;
             const unsigned h = height / imcu_height * imcu_height;
@@ -60,9 +62,8 @@ TEST(LosslessTurn, MovesEveryPixelByTheRules) {
 }
 
 TEST(LosslessTurn, RealFilesTurnedTwiceAreTheSame) {
-    const std::string photos = real_photos();
-    for (const char* name : {"/shapes/odd-227x149.jpg", "/shapes/gray-sampling-2x2-16x24.jpg"}) {
-        const blob_t file = photos.empty() ? make_jpeg({}) : read_file(photos + name);
+    for (const std::string name : {"odd-227x149.jpg", "restart-33x33.jpg"}) {
+        const blob_t file = real_photos().empty() ? make_jpeg({}) : read_file(real_photos() + "/shapes/" + name);
         EXPECT_EQ(turned(2, turned(2, file)), turned(0, file)) << name;
     }
 }
@@ -78,8 +79,7 @@ TEST(LosslessTurn, RefusesAndLeavesSegmentsBehind) {
     EXPECT_EQ(std::string(right.begin(), right.end()).find("Exif"), std::string::npos);
     // A first scan that leaves the lowest ten bits of its DC values to later ones makes them impossibly large.
     blob_t hostile = make_jpeg({.progressive = true});
-    const blob_t sos = {0xFF, 0xDA};
-    *(std::search(hostile.begin(), hostile.end(), sos.begin(), sos.end()) + 13) = 0x0A;
+    hostile[std::string(hostile.begin(), hostile.end()).find("\xFF\xDA") + 13] = 0x0A;
     EXPECT_NE(stderr_of([&] { hostile = turned(3, hostile, false); }), "");
     for (const auto& component : read_coefficients(hostile).components) {
         EXPECT_THAT(component.values, testing::Each(testing::AllOf(testing::Ge(-1024), testing::Le(1023))));
