@@ -51,6 +51,40 @@ enum e_message_local_t : talolib::e_message_t {
     msg_remove = 44,  // also the question that it asks
     msg_rebuild = 45,
     msg_count_column = 46,
+    msg_not_opened = 47,    // followed by the path on a line of its own
+    msg_no_viewer = 48,     // the viewer's script is missing
+    msg_no_albums = 49,     // in place of an empty list
+    msg_no_directory = 50,  // in place of the list when the album directory can't be read
+    msg_progress_copy = 51,
+    msg_progress_sizes = 52,
+    msg_progress_pages = 53,
+    msg_progress_zoom_pages = 54,
+    msg_rotation = 55,        // a spinner's name
+    msg_nothing_listed = 56,  // stands for a list that was not made yet
+    msg_source_empty = 57,    // stands for the list of a directory without files
+    msg_source_unreadable = 58,
+    msg_album_empty = 59,
+    msg_listing = 60,               // the bar of a list in the making
+    msg_book_without_entries = 61,  // in the book editor
+    msg_rename_refused = 62,
+    msg_remove_failed = 63,
+    msg_update_failed = 64,
+    msg_previous = 65,
+    msg_next = 66,
+    msg_zoom_in = 67,
+    msg_zoom_out = 68,
+    msg_zoom_fit = 69,
+    msg_zoom_full = 70,  // one pixel of the photograph on one of the screen
+    msg_full_screen = 71,
+    msg_photo_comment = 72,
+    msg_turn_left = 73,
+    msg_turn_right = 74,
+    msg_all_photos = 75,       // back from the large picture
+    msg_photo_not_shown = 76,  // stands for a picture that can't be decoded
+    msg_no_photos = 77,
+    msg_turn_failed = 78,
+    msg_empty_book = 79,
+    msg_stop_work = 80,  // asked when the progress window is closed
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);

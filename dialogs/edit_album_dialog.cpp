@@ -1,0 +1,211 @@
+#include "dialogs/edit_album_dialog.h"
+
+#include <gtkmm/stock.h>
+
+#include <initializer_list>
+#include <iostream>
+
+#include "album/album_update.h"
+#include "album/comment_store.h"
+#include "album/reduced_sizes.h"
+#include "dialogs/message_box.h"
+#include "dialogs/table_scroller.h"
+#include "dialogs/text_encoding.h"
+#include "dialogs/text_input_dialog.h"
+#include "dialogs/thumbnail_grid.h"
+#include "dialogs/thumbnails.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr guint rows_per_photo = 4;
+constexpr int cell_width = 24;    // characters
+constexpr int view_width = 300;   // pixels
+constexpr int view_height = 100;  // pixels
+constexpr int spacing = 4;        // pixels
+
+// A button that gives way to a narrow window.
+void set_short_label(Gtk::Button& button, const Glib::ustring& text) {
+    button.set_label(text);
+    if (auto* label = dynamic_cast<Gtk::Label*>(button.get_child())) {
+        label->set_ellipsize(Pango::ELLIPSIZE_MIDDLE);
+        label->set_max_width_chars(cell_width);
+    }
+    button.set_tooltip_text(text);
+}
+
+void set_wrapped_text(Gtk::Label& label, const Glib::ustring& text) {
+    label.set_text(text);
+    label.set_line_wrap(true);
+    label.set_line_wrap_mode(Pango::WRAP_WORD_CHAR);
+    label.set_width_chars(cell_width);
+    label.set_max_width_chars(cell_width);
+    label.set_xalign(0);
+    label.set_yalign(0);
+    label.set_margin_start(spacing);
+    label.set_margin_end(spacing);
+}
+
+}  // namespace
+
+EditAlbumDialog::EditAlbumDialog(Gtk::Window& parent, const std::string& album)
+    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::filename(album)), parent, true),
+      album_(album),
+      table_(1, 1),
+      progress_(*this) {
+    notice_.set_text(message_text(msg_album_empty));
+    notice_.set_no_show_all(true);
+    pack();
+    if (!make_rows()) {
+        libutils::report(album_, ": EditAlbumDialog make_rows() failed.");
+    }
+    notice_.set_visible(items_.empty());
+    update_comment();
+    table_.signal_size_allocate().connect(sigc::mem_fun(*this, &EditAlbumDialog::table_size_allocate));
+    add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
+    add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
+    add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    set_default_response(Gtk::RESPONSE_OK);
+    show_all_children();
+}
+
+void EditAlbumDialog::pack() {
+    texts_.head.set_size_request(view_width, view_height);
+    texts_.last.set_size_request(view_width, view_height);
+    table_.get_accessible()->set_name(to_toolkit(album_));
+    scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
+    scroller_.add(table_);
+    box_.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET);
+
+    Gtk::Box& area = *get_content_area();
+    area.set_spacing(spacing);
+    area.set_border_width(spacing);
+    area.pack_start(caption(msg_title, texts_.title, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(texts_.title, Gtk::PACK_SHRINK);
+    area.pack_start(caption(msg_head_comment, texts_.head, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(framed_text(texts_.head, view_height), Gtk::PACK_SHRINK);
+    area.pack_start(notice_, Gtk::PACK_SHRINK);
+    area.pack_start(box_, Gtk::PACK_EXPAND_WIDGET);
+    area.pack_start(caption(msg_last_comment, texts_.last, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(framed_text(texts_.last, view_height), Gtk::PACK_SHRINK);
+}
+
+bool EditAlbumDialog::make_rows() {
+    items_.clear();
+    table_.resize(1, 1);
+    if (!libutils::getfiles(files_, entry_path(album_, layout::original).c_str())) {
+        return false;
+    }
+    resize_grid(table_, files_.size(), rows_per_photo);
+    items_ = std::vector<item_t>(files_.size());
+    size_t index = 0;
+    for (const std::string& name : files_) {
+        items_[index].name = name;
+        fill_item(index);
+        ++index;
+    }
+    return true;
+}
+
+void EditAlbumDialog::fill_item(size_t index) {
+    item_t& item = items_[index];
+    if (load_exifthumbnail_or_thumbdir(item.preview, album_, item.name)) {
+        item.show_turned();
+    }
+    set_short_label(item.text_button, to_toolkit(item.name));
+
+    set_wrapped_text(item.exif_label, photo_summary(album_, item.name));
+
+    guint row = 0;
+    for (Gtk::Widget* widget :
+         std::initializer_list<Gtk::Widget*>{&item.picture, &item.text_button, &item.rotation, &item.exif_label}) {
+        attach_to_grid(table_, *widget, index, row++, rows_per_photo);
+    }
+    item.text_button.signal_clicked().connect([this, index] { button_text(index); });
+    item.rotation.signal_value_changed().connect([this, index] { button_rotate(index); });
+}
+
+void EditAlbumDialog::update_comment() {
+    comment_texts_t texts;
+    loadcommenttxt(album_, texts.title, texts.head, texts.last);
+    texts_.show(texts);
+}
+
+void EditAlbumDialog::button_text(unsigned long index) {
+    int response = Gtk::RESPONSE_APPLY;
+    while (response == Gtk::RESPONSE_APPLY) {
+        TextInputDialog dialog(*this, album_, items_[index].name, false);
+        response = dialog.run();
+    }
+}
+
+void EditAlbumDialog::button_rotate(unsigned long index) {
+    items_[index].show_turned();
+}
+
+bool EditAlbumDialog::apply_rotate() {
+    for (const item_t& item : items_) {
+        const std::optional<unsigned long> turns = item.quarter_turns();
+        if (!turns) {
+            return false;
+        }
+        if (*turns != 0 && !rotateallsize(album_, item.name, *turns)) {
+            libutils::report(item.name, ": rotate() failed.");
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<files_t> EditAlbumDialog::selected_files() const {
+    std::vector<files_t> files;
+    files.reserve(items_.size());
+    for (const item_t& item : items_) {
+        files.push_back(item.chosen());
+    }
+    talolib::trace(std::cout, "selected_files.size(): ", files.size());
+    return files;
+}
+
+void EditAlbumDialog::on_response(int response) {
+    Gtk::Dialog::on_response(response);
+    if ((response == Gtk::RESPONSE_OK || response == Gtk::RESPONSE_APPLY) && !updating_) {
+        updating_ = true;
+        save_texts();
+        update_album();
+        updating_ = false;
+    }
+}
+
+void EditAlbumDialog::save_texts() {
+    const comment_texts_t texts = texts_.texts();
+    if (texts.title.empty()) {
+        show_error(*this, msg_title_missing);
+    } else if (!savecommenttxt(album_, texts.title, texts.head, texts.last)) {
+        show_error(*this, msg_comments_failed);
+    }
+}
+
+void EditAlbumDialog::update_album() {
+    const std::vector<files_t> files = selected_files();
+    progress_.begin(message_text(msg_album_directory) + ": " + to_toolkit(album_), files);
+    const bool updated = updatealbum(
+        files, album_, progress_.signal(progress_window_t::copy), progress_.signal(progress_window_t::sizes),
+        progress_.signal(progress_window_t::pages), progress_.signal(progress_window_t::zoom_pages));
+    progress_.end();
+    if (!updated) {
+        libutils::report(album_, ": updatealbum() failed.");
+        show_error(*this, msg_album_failed);
+    }
+}
+
+void EditAlbumDialog::table_size_allocate(Gdk::Rectangle& allocation) {
+    follow_table(scroller_, *this, allocation, longest_list);
+}
+
+}  // namespace taloram

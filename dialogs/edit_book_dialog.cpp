@@ -1,0 +1,412 @@
+#include "dialogs/edit_book_dialog.h"
+
+#include <gtkmm/stock.h>
+
+#include <algorithm>
+#include <iostream>
+#include <list>
+#include <map>
+
+#include "album/album_update.h"
+#include "album/book_index.h"
+#include "album/comment_store.h"
+#include "album/import.h"
+#include "dialogs/edit_album_dialog.h"
+#include "dialogs/make_album_dialog.h"
+#include "dialogs/make_book_dialog.h"
+#include "dialogs/message_box.h"
+#include "dialogs/raise_window.h"
+#include "dialogs/shell_command.h"
+#include "dialogs/table_scroller.h"
+#include "dialogs/text_encoding.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "libutils/text.h"
+#include "settings/settings.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr unsigned row_spacing = 2;  // pixels
+constexpr int spacing = 4;
+constexpr unsigned border = 8;
+constexpr int view_height = 60;
+constexpr int widest_name = 24;  // characters
+constexpr int least_title = 16;
+constexpr int widest_title = 30;
+constexpr int least_head = 24;
+constexpr int widest_head = 40;
+constexpr unsigned columns = 7;  // the second stays empty
+
+// Where a new album may lie: in the book or in one of its books, not the book itself nor anywhere outside.
+bool lies_in_book(const std::string& album, const std::string& book) {
+    const std::string start = entry_path(book, "");
+    if (libutils::stringcmp(album.c_str(), start.c_str()) != 0 || album.size() == start.size()) {
+        return false;
+    }
+    std::list<std::string> names;
+    libutils::separate_token(names, album.substr(start.size()), "/");
+    return std::all_of(names.begin(), names.end(), is_plain_name);
+}
+
+}  // namespace
+
+EditBookDialog::EditBookDialog(Gtk::Window& parent, const std::string& bookdir)
+    : Gtk::Dialog(message_text(msg_edit), parent, true),
+      book_directory_(bookdir),
+      table_(1, 1, false),
+      progress_(*this) {
+    build();
+    table_.signal_size_allocate().connect(sigc::mem_fun(*this, &EditBookDialog::table_size_allocate));
+    show_all_children();
+}
+
+void EditBookDialog::build() {
+    std::string taken = "oac";  // the stock buttons' letters
+    Gtk::Box& content = *get_content_area();
+    content.set_border_width(border);
+    content.set_spacing(spacing);
+    content.pack_start(caption(msg_title, fields_.title, taken), Gtk::PACK_SHRINK);
+    content.pack_start(fields_.title, Gtk::PACK_SHRINK);
+    content.pack_start(caption(msg_head_comment, fields_.head, taken), Gtk::PACK_SHRINK);
+    content.pack_start(framed_text(fields_.head, view_height), Gtk::PACK_SHRINK);
+    table_.set_row_spacings(row_spacing);
+    table_.set_valign(Gtk::ALIGN_START);
+    hint_.set_text(message_text(msg_book_without_entries));
+    hint_.set_line_wrap(true);
+    scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
+    scroller_.add(table_);
+    content.pack_start(scroller_);
+    make_items();
+    content.pack_start(caption(msg_last_comment, fields_.last, taken), Gtk::PACK_SHRINK);
+    content.pack_start(framed_text(fields_.last, view_height), Gtk::PACK_SHRINK);
+    add_button(mnemonic_text(msg_new_book, taken), new_book);
+    add_button(mnemonic_text(msg_new_album, taken), new_album);
+    add_button(mnemonic_text(msg_rebuild, taken), rebuild);
+    add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
+    add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
+    add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    set_default_response(Gtk::RESPONSE_OK);
+}
+
+void EditBookDialog::table_size_allocate(Gdk::Rectangle& allocation) {
+    follow_table(scroller_, *this, allocation, longest_list);
+}
+
+bool EditBookDialog::make_items() {
+    std::map<std::string, Glib::ustring> typed_names;
+    for (const item_t& item : items_) {
+        if (item.is_renamed()) {
+            typed_names[item.name] = item.name_entry.get_text();
+        }
+    }
+    if (hint_.get_parent() != nullptr) {
+        table_.remove(hint_);
+    }
+    items_.clear();
+    table_.resize(1, 1);
+
+    comment_texts_t texts;
+    loadcommenttxt(book_directory_, texts.title, texts.head, texts.last);
+    fields_.show(texts);
+    std::vector<book_entry_t> entries;
+    const bool listed = list_entries(entries, book_directory_);
+    if (entries.empty()) {
+        table_.attach(hint_, 0, 1, 0, 1);
+        return listed;
+    }
+    items_ = std::vector<item_t>(entries.size());
+    table_.resize(static_cast<guint>(entries.size()), columns);
+    for (size_t i = 0; i < items_.size(); ++i) {
+        fill_item(i, entries[i]);
+        attach_item(i);
+        if (const auto typed = typed_names.find(items_[i].name); typed != typed_names.end()) {
+            items_[i].name_entry.set_text(typed->second);
+        }
+    }
+    return true;
+}
+
+void EditBookDialog::fill_item(size_t index, const book_entry_t& entry) {
+    item_t& item = items_[index];
+    const Glib::ustring name = to_toolkit(entry.name);
+    const auto name_button = [&](Gtk::Button& button, e_message_local_t text) {
+        button.set_label(message_text(text));
+        button.get_accessible()->set_name(message_text(text) + " " + name);
+    };
+    item.is_album = entry.is_album;
+    item.path = entry.path;
+    item.name = entry.name;
+    item.name_entry.set_text(item.shown_name.keep(entry.name));
+    item.name_entry.set_width_chars(widest_name);
+    item.name_entry.set_tooltip_text(name);
+    item.name_entry.set_activates_default(true);
+    item.name_entry.get_accessible()->set_name(message_text(msg_directory_column) + " " + name);
+    name_button(item.open_button, entry.is_album ? msg_list : msg_edit);
+    name_button(item.remove_button, msg_remove);
+    item.count_label.set_text(to_toolkit(entry.count));
+    set_short_text(item.title_label, to_toolkit(entry.title), widest_title);
+    set_short_text(item.head_label, to_toolkit(entry.head_line), widest_head);
+    item.title_label.set_width_chars(least_title);
+    item.head_label.set_width_chars(least_head);
+    item.open_button.signal_clicked().connect(sigc::bind(sigc::mem_fun(*this, &EditBookDialog::button_list), index));
+    item.remove_button.signal_clicked().connect(
+        sigc::bind(sigc::mem_fun(*this, &EditBookDialog::button_remove), index));
+}
+
+void EditBookDialog::attach_item(size_t index) {
+    item_t& item = items_[index];
+    const auto row = static_cast<guint>(index);
+    table_.attach(item.name_entry, 0, 1, row, row + 1);
+    table_.attach(item.open_button, 2, 3, row, row + 1);
+    table_.attach(item.count_label, 3, 4, row, row + 1);
+    table_.attach(item.title_label, 4, 5, row, row + 1);
+    table_.attach(item.head_label, 5, 6, row, row + 1);
+    table_.attach(item.remove_button, 6, 7, row, row + 1);
+}
+
+void EditBookDialog::refresh() {
+    make_items();
+    show_all_children();
+}
+
+void EditBookDialog::on_response(int response) {
+    Gtk::Dialog::on_response(response);
+    switch (response) {
+        case Gtk::RESPONSE_OK:
+        case Gtk::RESPONSE_APPLY:
+            save(false);
+            break;
+        case rebuild:
+            save(true);
+            break;
+        case new_book:
+            make_book();
+            break;
+        case new_album:
+            make_album();
+            break;
+        default:
+            break;
+    }
+}
+
+// A rebuild of the book brings up to date every album and page that the rows stand for, and ends with the book's own
+// page: one walk does what one walk for each row and one more for the book would.
+void EditBookDialog::save(bool rebuild_all) {
+    save_texts();
+    rename_items();
+    if (!rewrite_page()) {
+        return;
+    }
+    refresh();
+    if (rebuild_all && !batchupdate(book_directory_)) {
+        show_error(*this, msg_update_failed);
+    }
+}
+
+void EditBookDialog::save_texts() {
+    const comment_texts_t texts = fields_.texts();
+    if (empty()) {
+        show_error(*this, msg_title_missing);
+    } else if (savecommenttxt(book_directory_, texts.title, texts.head, texts.last)) {
+        fields_.accept();
+    } else {
+        show_error(*this, msg_comments_failed);
+    }
+}
+
+// A name that another row gives up becomes free when that row had its turn, so the rest is tried again as long as
+// something moves.
+void EditBookDialog::rename_items() {
+    std::vector<item_t*> renamed;
+    for (item_t& item : items_) {
+        if (item.is_renamed()) {
+            renamed.push_back(&item);
+        }
+    }
+    const auto rename_one = [this](item_t* item) {
+        const std::string name = from_toolkit(item->name_entry.get_text());
+        if (rename_entry(book_directory_, item->name, name) != rename_result_t::done) {
+            return false;
+        }
+        item->name = name;
+        item->path = entry_path(book_directory_, name);
+        item->name_entry.set_text(item->shown_name.keep(name));
+        return true;
+    };
+    while (std::erase_if(renamed, rename_one) > 0) {
+    }
+    for (const item_t* item : renamed) {
+        show_error(*this, message_text(msg_rename_refused) + "\n" + to_toolkit(item->name) + " \u2192 " +
+                              item->name_entry.get_text());
+    }
+}
+
+bool EditBookDialog::rewrite_page() {
+    if (makehtmlbook(book_directory_)) {
+        return true;
+    }
+    libutils::report(book_directory_, ": makehtmlbook() failed.");
+    show_error(*this, msg_update_failed);
+    return false;
+}
+
+void EditBookDialog::make_book() {
+    MakeBookDialog dialog(*this, book_directory_);
+    for (;;) {
+        const int response = dialog.run();
+        switch (response) {
+            case Gtk::RESPONSE_OK:
+            case Gtk::RESPONSE_APPLY:
+                if (dialog.empty()) {
+                    show_error(dialog, msg_title_missing);
+                } else if (response == Gtk::RESPONSE_OK) {
+                    refresh();
+                    return;
+                }
+                break;
+            case Gtk::RESPONSE_CANCEL:
+            case Gtk::RESPONSE_DELETE_EVENT:
+            case Gtk::RESPONSE_NONE:
+                return;
+            default:
+                break;
+        }
+    }
+}
+
+void EditBookDialog::make_album() {
+    album_order_t order;
+    if (!order_album(order)) {
+        return;
+    }
+    libutils::mkdir(order.album.c_str());
+    talolib::trace(std::cout, order.album, ": mkdired.");
+    if (!savecommenttxt(order.album, order.texts.title, order.texts.head, order.texts.last)) {
+        show_error(*this, msg_comments_failed);
+        return;
+    }
+    if (!import_album(order)) {
+        show_error(*this, msg_album_failed);
+        return;
+    }
+    refresh();
+}
+
+bool EditBookDialog::order_album(album_order_t& order) {
+    MakeAlbumDialog dialog(*this, g_global.from, book_directory_);
+    for (;;) {
+        const int response = dialog.run();
+        if (response == Gtk::RESPONSE_CANCEL || response == Gtk::RESPONSE_DELETE_EVENT ||
+            response == Gtk::RESPONSE_NONE) {
+            return false;
+        }
+        if (response != Gtk::RESPONSE_OK) {
+            continue;
+        }
+        order = {dialog.get_from(), dialog.get_to(), dialog.selected_files(), {dialog.get_title(), "", ""}};
+        if (order.files.empty()) {
+            show_error(dialog, msg_nothing_selected);
+        } else if (order.source.empty()) {
+            show_error(dialog, msg_source_missing);
+        } else if (!lies_in_book(order.album, book_directory_)) {
+            show_error(dialog, msg_album_missing);
+        } else if (is_exist(order.album) && !ask_yes_no(dialog, msg_album_exists)) {
+            continue;
+        } else if (order.texts.title.empty()) {
+            show_error(dialog, msg_title_missing);
+        } else {
+            order.texts.head = dialog.begin_comment();
+            order.texts.last = dialog.last_comment();
+            return true;
+        }
+    }
+}
+
+bool EditBookDialog::import_album(const album_order_t& order) {
+    progress_.begin(to_toolkit(order.album), order.files);
+    bool made =
+        makealbumwithrotate(order.source, order.files, order.album, progress_.signal(progress_window_t::copy),
+                            progress_.signal(progress_window_t::sizes), progress_.signal(progress_window_t::pages),
+                            progress_.signal(progress_window_t::zoom_pages));
+    if (made) {
+        const std::string base = libutils::strip_trailing_slash(libutils::dirname(order.album));
+        talolib::trace(std::cout, base, ": basedir.");
+        made = makehtmlbook(base);
+        if (!made) {
+            libutils::report("makehtmlbook() failed.");
+        }
+    }
+    progress_.end();
+    return made;
+}
+
+bool EditBookDialog::batchupdate(const std::string& path) {
+    progress_.begin(to_toolkit(path));
+    const bool updated = taloram::batchupdate(
+        path, progress_.signal(progress_window_t::copy), progress_.signal(progress_window_t::sizes),
+        progress_.signal(progress_window_t::pages), progress_.signal(progress_window_t::zoom_pages));
+    progress_.end();
+    return updated;
+}
+
+// The list is rebuilt below, and with it the row whose button was clicked.
+void EditBookDialog::button_list(size_t index) {
+    const std::string path = items_[index].path;
+    if (!is_exist(entry_path(path, layout::thumb))) {
+        edit_book(*this, path);
+        refresh();
+    } else {
+        EditAlbumDialog dialog(*this, path);
+        int response = Gtk::RESPONSE_NONE;
+        do {
+            response = dialog.run();
+            if (response == Gtk::RESPONSE_APPLY || response == Gtk::RESPONSE_OK) {
+                refresh();
+            }
+        } while (response == Gtk::RESPONSE_APPLY);
+    }
+    raise_window(*this);
+}
+
+void EditBookDialog::button_remove(size_t index) {
+    const std::string path = items_[index].path;
+    if (!ask_to_remove(*this, msg_remove, to_toolkit(items_[index].name))) {
+        return;
+    }
+    if (!remove_tree(path)) {
+        show_error(*this, message_text(msg_remove_failed) + "\n" + to_toolkit(path));
+    }
+    if (rewrite_page()) {
+        refresh();
+    }
+}
+
+void edit_book(Gtk::Window& parent, const std::string& directory) {
+    comment_fields_t::drafts_t drafts;
+    for (;;) {
+        EditBookDialog dialog(parent, directory);
+        dialog.restore(drafts);
+        switch (dialog.run()) {
+            case EditBookDialog::new_book:
+            case EditBookDialog::new_album:
+            case EditBookDialog::rebuild:
+            case Gtk::RESPONSE_APPLY:
+                break;
+            case Gtk::RESPONSE_OK:
+                if (!dialog.empty()) {
+                    return;
+                }
+                break;
+            default:
+                return;
+        }
+        drafts = dialog.drafts();
+    }
+}
+
+}  // namespace taloram

@@ -1,0 +1,96 @@
+#pragma once
+
+#include <gtkmm/button.h>
+#include <gtkmm/dialog.h>
+#include <gtkmm/entry.h>
+#include <gtkmm/label.h>
+#include <gtkmm/scrolledwindow.h>
+#include <gtkmm/table.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "dialogs/book_entries.h"
+#include "dialogs/comment_fields.h"
+#include "dialogs/progress_window.h"
+
+namespace taloram {
+
+// Edits one book: its texts, and its entries, which are albums or further books. Run it through edit_book().
+class EditBookDialog : public Gtk::Dialog {
+  public:
+    // The dialog's own responses.
+    enum response_t { new_book = 0, new_album = 1, rebuild = 2 };
+
+    EditBookDialog(Gtk::Window& parent, const std::string& bookdir);
+
+    // True when the title entry is empty.
+    [[nodiscard]] bool empty() const { return fields_.title.get_text().empty(); }
+
+    // Lists the book anew; what the user typed and did not save stays. False when the book can't be listed.
+    bool make_items();
+
+    // Brings an album, or a book with all below it, up to date behind the progress window.
+    [[nodiscard]] bool batchupdate(const std::string& path);
+
+    // Typed texts that were not saved, to be taken over by the dialog that comes after this one.
+    [[nodiscard]] comment_fields_t::drafts_t drafts() const { return fields_.drafts(); }
+    void restore(const comment_fields_t::drafts_t& drafts) { fields_.restore(drafts); }
+
+  protected:
+    void on_response(int response) override;
+
+  private:
+    struct item_t {
+        bool is_album = false;
+        std::string path;
+        std::string name;
+        kept_text_t shown_name;
+        Gtk::Entry name_entry;
+        Gtk::Button open_button;
+        Gtk::Label count_label;
+        Gtk::Label title_label;
+        Gtk::Label head_label;
+        Gtk::Button remove_button;
+
+        [[nodiscard]] bool is_renamed() const { return !shown_name.is_left_alone(name_entry.get_text()); }
+    };
+
+    // What the user asked for in the album maker.
+    struct album_order_t {
+        std::string source;
+        std::string album;
+        std::vector<files_t> files;
+        comment_texts_t texts;
+    };
+
+    void build();
+    void table_size_allocate(Gdk::Rectangle& allocation);
+    void fill_item(size_t index, const book_entry_t& entry);
+    void attach_item(size_t index);
+    void refresh();
+    void save(bool rebuild_all);
+    void save_texts();
+    void rename_items();
+    bool rewrite_page();
+    void make_book();
+    void make_album();
+    [[nodiscard]] bool order_album(album_order_t& order);
+    [[nodiscard]] bool import_album(const album_order_t& order);
+    void button_list(size_t index);
+    void button_remove(size_t index);
+
+    std::string book_directory_;
+    comment_fields_t fields_;
+    Gtk::ScrolledWindow scroller_;
+    Gtk::Table table_;
+    Gtk::Label hint_;  // stands where there are no entries
+    std::vector<item_t> items_;
+    progress_window_t progress_;
+};
+
+// Lets the user edit a book until it is left with OK and a title, or with Cancel.
+void edit_book(Gtk::Window& parent, const std::string& directory);
+
+}  // namespace taloram

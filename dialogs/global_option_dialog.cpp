@@ -1,0 +1,171 @@
+#include "dialogs/global_option_dialog.h"
+
+#include <gtkmm/filechooserdialog.h>
+#include <gtkmm/stock.h>
+
+#include "dialogs/table_scroller.h"
+#include "dialogs/text_encoding.h"
+#include "libutils/directory.h"
+#include "settings/settings.h"
+#include "settings/settings_file.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr int label_characters = 20;
+constexpr int entry_characters = 100;
+constexpr int size_characters = 50;
+constexpr int number_characters = 40;
+
+Glib::RefPtr<Gtk::Adjustment> range(double highest, double step, double page) {
+    return Gtk::Adjustment::create(0, 0, highest, step, page);
+}
+
+void set_number(Gtk::SpinButton& spinner, uint64_t value) {
+    spinner.set_value(static_cast<double>(value));
+}
+
+uint64_t get_number(Gtk::SpinButton& spinner) {
+    spinner.update();  // takes what was typed and not yet left
+    return static_cast<uint64_t>(spinner.get_value());
+}
+
+void set_up_spinner(Gtk::SpinButton& spinner, int characters, e_message_local_t name) {
+    spinner.set_width_chars(characters);
+    spinner.set_numeric(true);
+    spinner.set_wrap(false);
+    spinner.set_activates_default(true);
+    spinner.get_accessible()->set_name(message_text(name));
+}
+
+}  // namespace
+
+GlobalOptionDialog::GlobalOptionDialog(Gtk::Window& parent, const char* progdir, const char* progname)
+    : Gtk::Dialog(message_text(msg_options), parent, true),
+      program_directory_(progdir),
+      program_name_(progname),
+      label_widths_(Gtk::SizeGroup::create(Gtk::SIZE_GROUP_HORIZONTAL)),
+      width_spinner_(range(32768, 128, 1)),
+      height_spinner_(range(32768, 128, 1)),
+      quality_spinner_(range(100, 1, 10)),
+      items_spinner_(range(100, 1, 10)) {
+    add_folder_row(from_row_, from_label_, msg_source_directory, from_entry_, from_button_);
+    add_folder_row(album_row_, album_label_, msg_album_directory, album_entry_, album_button_);
+    add_number_rows();
+    add_entry_row(header_row_, header_label_, msg_html_header, header_entry_);
+    add_entry_row(address_row_, address_label_, msg_html_address, address_entry_);
+    add_scroller();
+    from_button_.signal_clicked().connect(sigc::mem_fun(*this, &GlobalOptionDialog::button_from_dir));
+    album_button_.signal_clicked().connect(sigc::mem_fun(*this, &GlobalOptionDialog::button_album_dir));
+    read_from_global();
+    add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
+    add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    set_default_response(Gtk::RESPONSE_OK);
+    show_all_children();
+}
+
+void GlobalOptionDialog::add_row(Gtk::HBox& row, Gtk::Label& label, e_message_local_t text, Gtk::Widget& widget) {
+    label.set_text_with_mnemonic(mnemonic_text(text, mnemonics_));
+    label.set_mnemonic_widget(widget);
+    label.set_width_chars(label_characters);
+    label.set_xalign(0);
+    row.add(label);
+    row.child_property_expand(label) = false;
+    row.add(widget);
+    if (row.get_parent() == nullptr) {
+        label_widths_->add_widget(label);
+        rows_.add(row);
+    }
+}
+
+void GlobalOptionDialog::add_entry_row(Gtk::HBox& row, Gtk::Label& label, e_message_local_t text, text_entry_t& entry) {
+    entry.entry.set_width_chars(entry_characters);
+    entry.entry.set_activates_default(true);
+    entry.entry.get_accessible()->set_name(message_text(text));
+    add_row(row, label, text, entry.entry);
+}
+
+void GlobalOptionDialog::add_folder_row(Gtk::HBox& row, Gtk::Label& label, e_message_local_t text, text_entry_t& entry,
+                                        Gtk::Button& button) {
+    add_entry_row(row, label, text, entry);
+    button.set_label(mnemonic_text(msg_browse, mnemonics_));
+    button.set_use_underline(true);
+    button.set_tooltip_text(message_text(text));
+    row.add(button);
+    row.child_property_expand(button) = false;
+}
+
+void GlobalOptionDialog::add_number_rows() {
+    set_up_spinner(width_spinner_, size_characters, msg_shrink_size);
+    set_up_spinner(height_spinner_, size_characters, msg_shrink_size);
+    set_up_spinner(quality_spinner_, number_characters, msg_quality);
+    set_up_spinner(items_spinner_, number_characters, msg_items_per_row);
+    add_row(size_row_, size_label_, msg_shrink_size, width_spinner_);
+    size_row_.add(height_spinner_);
+    add_row(quality_row_, quality_label_, msg_quality, quality_spinner_);
+    add_row(quality_row_, items_label_, msg_items_per_row, items_spinner_);
+}
+
+// The rows ask for more than a small screen has.
+void GlobalOptionDialog::add_scroller() {
+    rows_.signal_size_allocate().connect(
+        [this](Gtk::Allocation& rows) { follow_table(scroller_, *this, rows, longest_list); });
+    scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
+    scroller_.add(rows_);
+    scroller_.property_margin() = 6;
+    rows_.set_spacing(4);
+    get_content_area()->pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET);
+}
+
+void GlobalOptionDialog::read_from_global() {
+    from_entry_.set(g_global.from);
+    album_entry_.set(g_global.album);
+    set_number(width_spinner_, g_global.shrink_width);
+    set_number(height_spinner_, g_global.shrink_height);
+    set_number(quality_spinner_, g_global.jpeg_compress);
+    set_number(items_spinner_, g_global.horizontal_items);
+    header_entry_.set(g_global.html_header);
+    address_entry_.set(g_global.html_address);
+}
+
+void GlobalOptionDialog::write_to_global() {
+    g_global.from = from_entry_.get();
+    g_global.album = album_entry_.get();
+    g_global.shrink_width = get_number(width_spinner_);
+    g_global.shrink_height = get_number(height_spinner_);
+    g_global.jpeg_compress = get_number(quality_spinner_);
+    g_global.horizontal_items = get_number(items_spinner_);
+    g_global.html_header = header_entry_.get();
+    g_global.html_address = address_entry_.get();
+    libutils::mkdir(g_global.album.c_str());
+}
+
+void GlobalOptionDialog::on_response(int response) {
+    Gtk::Dialog::on_response(response);
+    if (response == Gtk::RESPONSE_OK) {
+        write_to_global();
+        saveini(program_directory_, program_name_);
+    }
+}
+
+void GlobalOptionDialog::choose_folder(text_entry_t& entry, e_message_local_t title) {
+    Gtk::FileChooserDialog chooser(message_text(title), Gtk::FILE_CHOOSER_ACTION_SELECT_FOLDER);
+    chooser.set_current_folder(entry.get());
+    chooser.add_button(Gtk::Stock::OPEN, Gtk::RESPONSE_OK);
+    chooser.add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    chooser.set_default_response(Gtk::RESPONSE_OK);
+    if (chooser.run() == Gtk::RESPONSE_OK && !chooser.get_filename().empty()) {
+        entry.set(chooser.get_filename());
+    }
+}
+
+void GlobalOptionDialog::button_from_dir() {
+    choose_folder(from_entry_, msg_source_directory);
+}
+
+void GlobalOptionDialog::button_album_dir() {
+    choose_folder(album_entry_, msg_album_directory);
+}
+
+}  // namespace taloram

@@ -1,0 +1,383 @@
+#include "dialogs/make_album_dialog.h"
+
+#include <glibmm/main.h>
+#include <gtkmm/filechooserdialog.h>
+#include <gtkmm/stock.h>
+
+#include <array>
+#include <ctime>
+#include <iostream>
+
+#include "album/comment_store.h"
+#include "dialogs/progress_window.h"
+#include "dialogs/raise_window.h"
+#include "dialogs/table_scroller.h"
+#include "dialogs/thumbnails.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr guint rows_per_file = 3;
+constexpr int highest_list = 400;  // pixels
+constexpr int label_width = 20;    // characters
+constexpr int entry_width = 50;    // characters
+constexpr int spacing = 4;         // pixels
+constexpr int least_width = 120;   // pixels, of a file without picture
+constexpr int least_height = 90;   // pixels
+constexpr int view_width = 300;    // pixels
+constexpr int view_height = 100;   // pixels
+
+constexpr std::chrono::milliseconds progress_interval(100);
+
+// Today as eight digits.
+std::string date_name() {
+    const time_t now = time(nullptr);
+    struct tm today {};
+    std::array<char, 16> text{};
+    if (localtime_r(&now, &today) == nullptr) {
+        return {};
+    }
+    return {text.data(), strftime(text.data(), text.size(), "%Y%m%d", &today)};
+}
+
+void set_up_entry(Gtk::Label& label, Gtk::Entry& entry, e_message_local_t text, std::string& taken) {
+    label.set_text_with_mnemonic(mnemonic_text(text, taken));
+    label.set_mnemonic_widget(entry);
+    label.set_width_chars(label_width);
+    label.set_xalign(0);
+    entry.set_width_chars(entry_width);
+    entry.get_accessible()->set_name(message_text(text));
+}
+
+void set_up_button(Gtk::Button& button, e_message_local_t text, std::string& taken) {
+    button.set_label(mnemonic_text(text, taken));
+    button.set_use_underline(true);
+}
+
+}  // namespace
+
+MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, const std::string& bookdir)
+    : Gtk::Dialog(message_text(msg_new_album), parent, true), bookdir_(bookdir), table_(1, 1) {
+    from_entry_.set_text(from_.keep(from));
+    to_entry_.set_text(date_name());
+    set_up_widgets();
+    pack();
+    connect();
+    add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
+    add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    set_default_response(Gtk::RESPONSE_OK);
+    show_all();
+}
+
+void MakeAlbumDialog::set_up_widgets() {
+    set_up_entry(from_label_, from_entry_, msg_from, mnemonics_);
+    set_up_entry(to_label_, to_entry_, msg_to, mnemonics_);
+    to_entry_.set_activates_default(true);
+    set_up_button(from_button_, msg_browse, mnemonics_);
+    set_up_button(invert_button_, msg_invert, mnemonics_);
+    set_up_button(update_button_, msg_update, mnemonics_);
+    // Else the click would leave the entry first and list twice.
+    update_button_.set_focus_on_click(false);
+    table_caption_.set_text(message_text(msg_photographs));
+    table_caption_.set_xalign(0);
+    table_.get_accessible()->set_name(message_text(msg_photographs));
+    notice_.set_text(message_text(msg_nothing_listed));
+    notice_.set_line_wrap(true);
+    notice_.set_no_show_all(true);
+    notice_.show();
+    progress_.set_text(message_text(msg_listing));
+    progress_.set_show_text(true);
+    progress_.set_no_show_all(true);
+}
+
+void MakeAlbumDialog::pack() {
+    from_row_.pack_start(from_label_, Gtk::PACK_SHRINK);
+    from_row_.pack_start(from_entry_);
+    from_row_.pack_start(from_button_, Gtk::PACK_SHRINK);
+    to_row_.pack_start(to_label_, Gtk::PACK_SHRINK);
+    to_row_.pack_start(to_entry_);
+    scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
+    scroller_.set_redraw_on_allocate(true);
+    scroller_.add(table_);
+    button_row_.set_spacing(spacing);
+    button_row_.pack_start(invert_button_, Gtk::PACK_SHRINK);
+    button_row_.pack_start(update_button_, Gtk::PACK_SHRINK);
+
+    Gtk::Box& area = *get_content_area();
+    area.set_spacing(spacing);
+    area.set_border_width(spacing);
+    area.pack_start(from_row_, Gtk::PACK_SHRINK);
+    area.pack_start(to_row_, Gtk::PACK_SHRINK);
+    area.pack_start(table_caption_, Gtk::PACK_SHRINK);
+    area.pack_start(notice_, Gtk::PACK_SHRINK);
+    area.pack_start(progress_, Gtk::PACK_SHRINK);
+    area.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET);
+    area.pack_start(button_row_, Gtk::PACK_SHRINK);
+    pack_texts(area);
+}
+
+void MakeAlbumDialog::pack_texts(Gtk::Box& area) {
+    texts_.head.set_size_request(view_width, view_height);
+    texts_.last.set_size_request(view_width, view_height);
+    area.pack_start(caption(msg_title, texts_.title, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(texts_.title, Gtk::PACK_SHRINK);
+    area.pack_start(caption(msg_head_comment, texts_.head, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(framed_text(texts_.head, view_height), Gtk::PACK_SHRINK);
+    area.pack_start(caption(msg_last_comment, texts_.last, mnemonics_), Gtk::PACK_SHRINK);
+    area.pack_start(framed_text(texts_.last, view_height), Gtk::PACK_SHRINK);
+}
+
+void MakeAlbumDialog::connect() {
+    // Behind the entries' own handlers, which must see the event too.
+    from_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_from), true);
+    to_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_to), true);
+    from_entry_.signal_activate().connect([this] { leave_from(nullptr); });
+    from_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_from));
+    invert_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_invert));
+    update_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_update));
+    table_.signal_size_allocate().connect(sigc::mem_fun(*this, &MakeAlbumDialog::table_size_allocate));
+}
+
+void MakeAlbumDialog::on_map() {
+    Gtk::Dialog::on_map();
+    closing_ = false;
+    // After the first drawing, so that the dialog appears at once.
+    const auto fill = sigc::track_obj(
+        [this] {
+            leave_from(nullptr);
+            leave_to(nullptr);
+            return false;
+        },
+        *this);
+    Glib::signal_idle().connect(fill);
+}
+
+void MakeAlbumDialog::on_response(int response) {
+    closing_ = true;
+    Gtk::Dialog::on_response(response);
+}
+
+std::string MakeAlbumDialog::get_from() const {
+    return from_.bytes(from_entry_.get_text());
+}
+
+std::string MakeAlbumDialog::get_to() const {
+    const std::string name = libutils::strip_trailing_slash(from_toolkit(to_entry_.get_text()));
+    const bool names_the_book = name.empty() || name == "/" || name == "." || name == "..";
+    return names_the_book ? std::string() : bookdir_ + "/" + name;
+}
+
+std::vector<files_t> MakeAlbumDialog::selected_files() const {
+    std::vector<files_t> files;
+    files.reserve(items_.size());
+    // Cameras use the same names again and again: names listed in one directory mean other pictures in the next.
+    // With none the selection stands, and the caller asks for the directory.
+    if (const std::string from = get_from(); is_complete_ && (from == listed_from_ || from.empty())) {
+        for (const item_t& item : items_) {
+            if (item.select.get_active()) {
+                files.push_back(item.chosen());
+            }
+        }
+    }
+    talolib::trace(std::cout, "selected_files.size(): ", files.size());
+    return files;
+}
+
+bool MakeAlbumDialog::is_listed() const {
+    const std::string from = get_from();
+    std::list<std::string> names;
+    return is_complete_ && listed_from_ == from && libutils::getfiles(names, from.c_str()) && names == file_names_;
+}
+
+bool MakeAlbumDialog::leave_from(GdkEventFocus* /*event*/) {
+    return !listing_ && !closing_ && !is_listed() && list_source();
+}
+
+bool MakeAlbumDialog::leave_to(GdkEventFocus* /*event*/) {
+    return !listing_ && !closing_ && get_to() != loaded_to_ && load_album_texts();
+}
+
+bool MakeAlbumDialog::list_source() {
+    if (listing_) {
+        return false;
+    }
+    clear_items();
+    listed_from_ = get_from();
+    if (listed_from_.empty() || !libutils::getfiles(file_names_, listed_from_.c_str())) {
+        notice_.set_text(message_text(msg_source_unreadable));
+        notice_.show();
+        return false;
+    }
+    listing_ = true;
+    closing_ = false;
+    shown_at_ = std::chrono::steady_clock::now();
+    set_response_sensitive(Gtk::RESPONSE_OK, false);
+    items_ = std::vector<item_t>(file_names_.size());
+    resize_grid(table_, items_.size(), rows_per_file);
+    size_t index = 0;
+    for (const std::string& name : file_names_) {
+        if (!show_progress(index)) {
+            break;
+        }
+        items_[index].name = name;
+        fill_item(index);
+        ++index;
+    }
+    is_complete_ = index == items_.size();
+    show_list();
+    listing_ = false;
+    return is_complete_;
+}
+
+void MakeAlbumDialog::clear_items() {
+    is_complete_ = false;
+    file_names_.clear();
+    notice_.hide();
+    // Hidden, the table is not laid out again for every file.
+    table_.hide();
+    for (Gtk::Widget* child : table_.get_children()) {
+        table_.remove(*child);
+    }
+    table_.resize(1, 1);
+    old_items_ = std::move(items_);
+    items_.clear();
+    const auto release = sigc::track_obj(
+        [this] {
+            old_items_.clear();
+            return false;
+        },
+        *this);
+    Glib::signal_idle().connect(release);
+}
+
+void MakeAlbumDialog::fill_item(size_t index) {
+    item_t& item = items_[index];
+    const Glib::ustring shown_name = to_toolkit(item.name);
+    set_short_text(item.label, shown_name, label_width);
+    item.rotation.set_update_policy(Gtk::UPDATE_IF_VALID);
+    item.rotation.set_editable(false);
+    item.select.set_size_request(least_width, least_height);
+    item.select.set_tooltip_text(shown_name);
+    item.select.get_accessible()->set_name(shown_name);
+    if (load_thumbnail(item.preview, entry_path(listed_from_, item.name))) {
+        button_rotate(index);
+    }
+    item.select.signal_clicked().connect([this, index] { button_image(index); });
+    item.rotation.signal_value_changed().connect([this, index] { button_rotate(index); });
+
+    attach_to_grid(table_, item.select, index, 0, rows_per_file);
+    attach_to_grid(table_, item.label, index, 1, rows_per_file);
+    if (is_photo(item.name)) {
+        attach_to_grid(table_, item.rotation, index, 2, rows_per_file);
+    }
+}
+
+bool MakeAlbumDialog::show_progress(size_t done) {
+    const auto now = std::chrono::steady_clock::now();
+    if (now - shown_at_ < progress_interval) {
+        return true;
+    }
+    progress_.set_fraction(static_cast<double>(done) / static_cast<double>(items_.size()));
+    progress_.show();
+    run_pending_events();
+    shown_at_ = std::chrono::steady_clock::now();
+    return !closing_;
+}
+
+void MakeAlbumDialog::show_list() {
+    progress_.hide();
+    set_response_sensitive(Gtk::RESPONSE_OK, true);
+    if (!is_complete_) {
+        return;
+    }
+    comment_texts_t found;
+    loadcomment(listed_from_, found.title, found.head, found.last);
+    texts_.fill(found);
+    if (items_.empty()) {
+        notice_.set_text(message_text(msg_source_empty));
+        notice_.show();
+    }
+    show_all_children();
+}
+
+bool MakeAlbumDialog::load_album_texts() {
+    loaded_to_ = get_to();
+    comment_texts_t found;
+    if (loaded_to_.empty() || !loadcommenttxt(loaded_to_, found.title, found.head, found.last)) {
+        return false;
+    }
+    texts_.fill(found);
+    show_all_children();
+    return true;
+}
+
+bool MakeAlbumDialog::choose_folder(std::string& folder, e_message_local_t title, const std::string& start) {
+    Gtk::FileChooserDialog chooser(*this, message_text(title), Gtk::FILE_CHOOSER_ACTION_SELECT_FOLDER);
+    chooser.set_current_folder(start);
+    chooser.add_button(Gtk::Stock::OPEN, Gtk::RESPONSE_OK);
+    chooser.add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    chooser.set_default_response(Gtk::RESPONSE_OK);
+    if (chooser.run() != Gtk::RESPONSE_OK) {
+        return false;
+    }
+    folder = chooser.get_filename();
+    return !folder.empty();
+}
+
+void MakeAlbumDialog::button_from() {
+    if (listing_) {
+        return;
+    }
+    if (std::string folder; choose_folder(folder, msg_source_directory, get_from())) {
+        from_entry_.set_text(from_.keep(folder));
+        list_source();
+    }
+    raise_window(*this);
+}
+
+void MakeAlbumDialog::button_to() {
+    const std::string name = from_toolkit(to_entry_.get_text());
+    if (std::string folder; choose_folder(folder, msg_album_directory, name) && folder != name) {
+        to_entry_.set_text(to_toolkit(folder));
+        load_album_texts();
+    }
+    raise_window(*this);
+}
+
+void MakeAlbumDialog::button_invert() {
+    if (!listing_) {
+        for (item_t& item : items_) {
+            item.select.set_active(!item.select.get_active());
+        }
+    }
+}
+
+void MakeAlbumDialog::button_update() {
+    if (!listing_) {
+        list_source();
+        load_album_texts();
+    }
+}
+
+void MakeAlbumDialog::button_image(size_t index) {
+    Gtk::SpinButton& rotation = items_[index].rotation;
+    rotation.set_editable(items_[index].select.get_active());
+    rotation.set_can_focus(false);
+}
+
+void MakeAlbumDialog::button_rotate(size_t index) {
+    item_t& item = items_[index];
+    if (item.show_turned()) {
+        item.select.set_image(item.picture);
+    }
+}
+
+void MakeAlbumDialog::table_size_allocate(Gdk::Rectangle& allocation) {
+    follow_table(scroller_, *this, allocation, highest_list);
+}
+
+}  // namespace taloram

@@ -1,0 +1,135 @@
+#include "dialogs/make_book_dialog.h"
+
+#include <gtkmm/box.h>
+#include <gtkmm/filechooserdialog.h>
+#include <gtkmm/label.h>
+#include <gtkmm/stock.h>
+
+#include <iostream>
+
+#include "album/album_layout.h"
+#include "album/book_index.h"
+#include "album/comment_store.h"
+#include "dialogs/message_box.h"
+#include "dialogs/table_scroller.h"
+#include "dialogs/text_encoding.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr int label_width = 20;  // characters
+constexpr int entry_width = 50;
+constexpr int view_width = 300;  // pixels
+constexpr int view_height = 100;
+constexpr int spacing = 4;
+constexpr unsigned border = 8;
+
+Gtk::HBox& make_row(Gtk::Label& label, Gtk::Entry& entry) {
+    auto* row = Gtk::manage(new Gtk::HBox(false, spacing));
+    label.set_width_chars(label_width);
+    entry.set_width_chars(entry_width);
+    row->pack_start(label, Gtk::PACK_SHRINK);
+    row->pack_start(entry);
+    return *row;
+}
+
+}  // namespace
+
+MakeBookDialog::MakeBookDialog(Gtk::Window& parent, const std::string& directory)
+    : Gtk::Dialog(message_text(msg_new_book), parent, true), directory_(directory) {
+    build();
+    name_.signal_focus_out_event().connect([this](GdkEventFocus*) { return button_update(); });
+    directory_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeBookDialog::button_directory));
+    show_all_children();
+}
+
+void MakeBookDialog::build() {
+    std::string taken = "oac";  // the stock buttons' letters
+    Gtk::HBox& name_row = make_row(caption(msg_book_name, name_, taken), name_);
+    name_.set_activates_default(true);
+    name_.get_accessible()->set_name(message_text(msg_book_name));
+    directory_button_.set_label(mnemonic_text(msg_browse, taken));
+    directory_button_.set_use_underline(true);
+    name_row.pack_start(directory_button_, Gtk::PACK_SHRINK);
+
+    Gtk::Box& content = *get_content_area();
+    content.set_border_width(border);
+    content.set_spacing(spacing);
+    content.pack_start(name_row, Gtk::PACK_SHRINK);
+    content.pack_start(make_row(caption(msg_title, fields_.title, taken), fields_.title), Gtk::PACK_SHRINK);
+    fields_.head.set_size_request(view_width, view_height);
+    content.pack_start(caption(msg_head_comment, fields_.head, taken), Gtk::PACK_SHRINK);
+    content.pack_start(framed_text(fields_.head, view_height));
+    fields_.last.set_size_request(view_width, view_height);
+    content.pack_start(caption(msg_last_comment, fields_.last, taken), Gtk::PACK_SHRINK);
+    content.pack_start(framed_text(fields_.last, view_height));
+    add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
+    add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
+    add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    set_default_response(Gtk::RESPONSE_OK);
+}
+
+std::string MakeBookDialog::get_bookdir() const {
+    const Glib::ustring name = name_.get_text();
+    if (name.empty()) {
+        return directory_;
+    }
+    return directory_ + "/" + chosen_.bytes(name);
+}
+
+bool MakeBookDialog::button_update() {
+    comment_texts_t texts;
+    loadcommenttxt(get_bookdir(), texts.title, texts.head, texts.last);
+    fields_.fill(texts);
+    show_all_children();
+    return true;
+}
+
+void MakeBookDialog::button_directory() {
+    Gtk::FileChooserDialog chooser(*this, message_text(msg_source_directory), Gtk::FILE_CHOOSER_ACTION_SELECT_FOLDER);
+    chooser.add_button(Gtk::Stock::OPEN, Gtk::RESPONSE_OK);
+    chooser.add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
+    chooser.set_default_response(Gtk::RESPONSE_OK);
+    const Glib::ustring name = name_.get_text();
+    chooser.set_current_folder(name.empty() ? directory_ : from_toolkit(name));
+    if (chooser.run() != Gtk::RESPONSE_OK) {
+        return;
+    }
+    name_.set_text(chosen_.keep(chooser.get_filename()));
+    button_update();
+}
+
+void MakeBookDialog::on_response(int response) {
+    Gtk::Dialog::on_response(response);
+    if (response == Gtk::RESPONSE_OK || response == Gtk::RESPONSE_APPLY) {
+        store();
+    }
+}
+
+void MakeBookDialog::store() {
+    bookdir_ = get_bookdir();
+    texts_ = fields_.texts();
+    if (empty()) {
+        // Nothing typed must not wipe out the texts of the directory that stands in for the missing name.
+        comment_texts_t before;
+        loadcommenttxt(bookdir_, before.title, before.head, before.last);
+        texts_.title = texts_.title.empty() ? before.title : texts_.title;
+        texts_.head = texts_.head.empty() ? before.head : texts_.head;
+        texts_.last = texts_.last.empty() ? before.last : texts_.last;
+    }
+    libutils::mkdir(bookdir_.c_str());
+    talolib::trace(std::cout, bookdir_, ": mkdired.");
+    if (!savecommenttxt(bookdir_, texts_.title, texts_.head, texts_.last)) {
+        show_error(*this, msg_comments_failed);
+        return;
+    }
+    if (!makehtmlbook(bookdir_)) {
+        libutils::report("makehtmlindex() failed.");
+    }
+}
+
+}  // namespace taloram

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <gtkmm/button.h>
+#include <gtkmm/dialog.h>
+#include <gtkmm/entry.h>
+
+#include <string>
+
+#include "dialogs/comment_fields.h"
+
+namespace taloram {
+
+// Makes a book in a directory, or takes over an existing directory as one: on OK and on Apply it creates the book's
+// directory, saves its texts and writes its index page. With an empty name it edits the directory itself.
+class MakeBookDialog : public Gtk::Dialog {
+  public:
+    MakeBookDialog(Gtk::Window& parent, const std::string& directory);
+
+    // The book's path as the name entry gives it; the parent directory while that is empty.
+    [[nodiscard]] std::string get_bookdir() const;
+
+    // True when the last OK or Apply came without a name.
+    [[nodiscard]] bool empty() const { return bookdir_ == directory_; }
+
+    // Fills in the texts that the named directory already has.
+    bool button_update();
+    void button_directory();
+
+  protected:
+    void on_response(int response) override;
+
+  private:
+    void build();
+    void store();
+
+    std::string directory_;
+    std::string bookdir_;  // taken on the last OK or Apply, as the texts
+    comment_texts_t texts_;
+    kept_text_t chosen_;  // the chooser's folder
+    comment_fields_t fields_;
+    Gtk::Button directory_button_;
+    Gtk::Entry name_;
+};
+
+}  // namespace taloram

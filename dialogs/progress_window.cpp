@@ -1,0 +1,107 @@
+#include "dialogs/progress_window.h"
+
+#include <gtkmm/main.h>
+#include <gtkmm/table.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iterator>
+
+#include "dialogs/message_box.h"
+#include "dialogs/text_encoding.h"
+
+namespace taloram {
+
+namespace {
+
+constexpr e_message_local_t caption_texts[progress_window_t::stage_count] = {
+    msg_progress_copy, msg_progress_sizes, msg_progress_pages, msg_progress_zoom_pages};
+
+constexpr int spacing = 6;  // pixels
+
+void set_up_name(Gtk::Label& label) {
+    label.set_xalign(0);
+    label.set_ellipsize(Pango::ELLIPSIZE_MIDDLE);
+}
+
+}  // namespace
+
+progress_window_t::progress_window_t(Gtk::Window& parent) : Gtk::Dialog("progress window", parent, true) {
+    set_size_request(400, 100);
+    set_border_width(spacing);
+    set_up_name(subject_);
+    set_up_name(file_);
+
+    auto* table = Gtk::manage(new Gtk::Table(stage_count, 2));
+    table->set_spacings(spacing);
+    for (guint i = 0; i < stage_count; ++i) {
+        const auto stage = static_cast<stage_t>(i);
+        captions_[i].set_text(message_text(caption_texts[i]));
+        captions_[i].set_xalign(0);
+        bars_[i].get_accessible()->set_name(message_text(caption_texts[i]));
+        table->attach(captions_[i], 0, 1, i, i + 1, Gtk::FILL, Gtk::SHRINK);
+        table->attach(bars_[i], 1, 2, i, i + 1, Gtk::FILL | Gtk::EXPAND, Gtk::SHRINK);
+        signals_[i].connect([this, stage](double fraction) { set_progress(stage, fraction); });
+    }
+    get_content_area()->set_spacing(spacing);
+    get_content_area()->pack_start(subject_, Gtk::PACK_SHRINK);
+    get_content_area()->pack_start(*table, Gtk::PACK_SHRINK);
+    get_content_area()->pack_start(file_, Gtk::PACK_SHRINK);
+    show_all_children();
+}
+
+void progress_window_t::begin(const Glib::ustring& subject, const std::vector<files_t>& files) {
+    names_.clear();
+    std::transform(files.begin(), files.end(), std::back_inserter(names_),
+                   [](const files_t& file) { return file.filename; });
+    subject_.set_text(subject);
+    file_.set_text(names_.empty() ? Glib::ustring() : to_toolkit(names_.front()));
+    for (Gtk::ProgressBar& bar : bars_) {
+        bar.set_fraction(0);
+    }
+    present();
+    run_pending_events();
+}
+
+void progress_window_t::end() {
+    hide();
+}
+
+void progress_window_t::set_progress(stage_t stage, double fraction) {
+    const double shown = std::min(fraction, 1.0);
+    bars_[stage].set_fraction(shown);
+    show_file(stage, shown);
+    bars_[stage].queue_draw();
+    run_pending_events();
+}
+
+// The engine tells which part is done: what it works on now is the file behind that part.
+void progress_window_t::show_file(stage_t stage, double fraction) {
+    const auto done = static_cast<size_t>(std::lround(fraction * static_cast<double>(names_.size())));
+    const bool by_file = stage == copy || stage == sizes;
+    if (by_file && done < names_.size()) {
+        file_.set_text(to_toolkit(names_[done]));
+    } else {
+        file_.set_text("");
+    }
+}
+
+// Events are handled between two files only, so that nothing is left half done when the process ends here.
+bool progress_window_t::on_delete_event(GdkEventAny* /*event*/) {
+    if (ask_yes_no(*this, msg_stop_work)) {
+        std::exit(EXIT_SUCCESS);
+    }
+    return true;
+}
+
+void run_pending_events() {
+    while (Gtk::Main::events_pending()) {
+        // Outside any main loop the toolkit answers as if it had been asked to quit.
+        if (Gtk::Main::iteration(false) && Gtk::Main::level() > 0) {
+            std::exit(EXIT_SUCCESS);
+        }
+    }
+}
+
+}  // namespace taloram

@@ -1,0 +1,159 @@
+#include "dialogs/thumbnails.h"
+
+#include <algorithm>
+#include <iostream>
+
+#include "album/album_layout.h"
+#include "libgr/exif/app1_marker.h"
+#include "libgr/image/pixel_operations.h"
+#include "libgr/jpeg/jpeginfo.h"
+#include "libutils/diagnostics.h"
+#include "settings/settings.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+// What a photograph carries for its own preview.
+struct embedded_preview_t {
+    libutils::bytes_t jpeg;   // empty without one
+    unsigned long turns = 0;  // clockwise quarter turns that set it upright
+};
+
+bool load_file(libgr::jpegdata_t& data, const std::string& path) {
+    const bool loaded = data.load(path.c_str());
+    if (!loaded) {
+        libutils::report(path, ": jpegdata load() failed.");
+    }
+    return loaded;
+}
+
+bool decode(libgr::image2d_t& image, libgr::jpegdata_t& data, const std::string& path, const char* failure) {
+    libgr::jpeginfo_t info;
+    const bool decoded = info.decompress(image, data, 0, false, libgr::color3ub_t());
+    if (!decoded) {
+        libutils::report(path, failure);
+    }
+    return decoded;
+}
+
+embedded_preview_t read_embedded(const libutils::bytes_t& segment) {
+    embedded_preview_t preview;
+    libgr::app1_marker_t app1;
+    app1.set_app1_buffer(segment);
+    if (!app1.parse() || app1.tiff_header.thumbnail.empty()) {
+        return preview;
+    }
+    preview.jpeg = app1.tiff_header.thumbnail;
+    if (const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation; !orientation.empty()) {
+        talolib::trace(std::cerr, "orientation: ", orientation.front());
+        preview.turns = libgr::mixorientandrightrotatecount(0, orientation.front());
+    }
+    return preview;
+}
+
+bool load_embedded(libgr::image2d_t& image, libgr::jpegdata_t& data, const embedded_preview_t& preview,
+                   const std::string& path) {
+    data.setvector(preview.jpeg, path.c_str());
+    if (!decode(image, data, path, ": thumbnail decompress() failed.")) {
+        return false;
+    }
+    if (preview.turns == 0) {
+        return true;
+    }
+    libgr::image2d_t upright;
+    if (!libgr::rotate(preview.turns, upright, image)) {
+        libutils::report(path, ": rotate() failed.");
+        return false;
+    }
+    image = upright;
+    return true;
+}
+
+// A picture that can't be halved stays as large as it is.
+void halve_to_preview(libgr::image2d_t& image) {
+    constexpr uint64_t part = 4;  // of the reduced size's sides
+    const auto too_large = [&] {
+        return image.window.width > g_global.shrink_width / part || image.window.height > g_global.shrink_height / part;
+    };
+    while (image.window.width != 0 && image.window.height != 0 && too_large() && libgr::scaledown(image, image)) {
+    }
+}
+
+void copy_row(guint8* to, const unsigned char* from, uint32_t width, bool gray) {
+    constexpr uint32_t samples = 3;
+    if (!gray) {
+        std::copy_n(from, samples * width, to);
+        return;
+    }
+    for (uint32_t x = 0; x < width; ++x) {
+        to = std::fill_n(to, samples, from[x]);
+    }
+}
+
+}  // namespace
+
+bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
+    libgr::jpegdata_t data;
+    if (!is_photo(path) || !load_file(data, path)) {
+        return false;
+    }
+    libgr::jpeginfo_t info;
+    if (!info.analyze_markers(data)) {
+        libutils::report(path, ": jpeginfo analyze_markers() failed.");
+        return false;
+    }
+    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
+    const char* failure = ": thumbnail decompress() failed.";
+    if (!segment.empty()) {
+        const embedded_preview_t preview = read_embedded(segment);
+        if (!preview.jpeg.empty()) {
+            return load_embedded(image, data, preview, path);
+        }
+        failure = ": original decompress() failed.";
+    }
+    if (!decode(image, data, path, failure)) {
+        return false;
+    }
+    halve_to_preview(image);
+    return true;
+}
+
+bool load_jpeg(libgr::image2d_t& image, const std::string& path) {
+    libgr::jpegdata_t data;
+    return is_photo(path) && load_file(data, path) && decode(image, data, path, ": thumbnail decompress() failed.");
+}
+
+bool load_exifthumbnail_or_thumbdir(libgr::image2d_t& image, const std::string& album, const std::string& name) {
+    if (const std::string thumb = thumb_path(album, name); is_exist(thumb)) {
+        return load_jpeg(image, thumb);
+    }
+    const std::string level0 = entry_path(entry_path(album, level_name(0)), name);
+    return load_thumbnail(image, is_exist(level0) ? level0 : original_path(album, name));
+}
+
+Glib::RefPtr<Gdk::Pixbuf> convert_to_pixbuf(const libgr::image2d_t& image) {
+    const libgr::image_window2d_t& window = image.window;
+    const bool gray = image.desc.format == libgr::IMAGE_FORMAT_GRAYSCALE;
+    const bool shown = (gray || image.desc.format == libgr::IMAGE_FORMAT_RGB) &&
+                       image.desc.type == libgr::IMAGE_TYPE_UINT && image.desc.bits == libgr::IMAGE_BITS_8;
+    constexpr uint32_t longest_side = 65535;  // of a JPEG picture, ITU-T T.81 B.2.2
+    if (!shown || window.width == 0 || window.height == 0 || window.width > longest_side ||
+        window.height > longest_side || !image.holds_window()) {
+        return {};
+    }
+    auto pixels = Gdk::Pixbuf::create(Gdk::COLORSPACE_RGB, false, 8, static_cast<int>(window.width),
+                                      static_cast<int>(window.height));
+    if (!pixels) {
+        return {};
+    }
+    const auto stride = static_cast<size_t>(pixels->get_rowstride());
+    for (uint32_t y = 0; y < window.height; ++y) {
+        // The picture's rows lie bottom-up, the toolkit's top-down.
+        copy_row(pixels->get_pixels() + stride * y, image.pixel(0, window.height - 1 - y), window.width, gray);
+    }
+    return pixels;
+}
+
+}  // namespace taloram
