@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace taloram {
+
+// "[-h] [<from dir> <to dir>]", the program's own arguments, without those of the toolkit.
+struct command_line_t {
+    bool wants_usage = false;  // asked for by "-h" or deserved by a wrong number of arguments
+    bool has_paths = false;
+    std::string from;
+    std::string album;
+};
+
+[[nodiscard]] command_line_t parse_command_line(int argc, const char* const* argv);
+
+// Writes the usage line to standard output.
+void usage(const char* argv0);
+
+}  // namespace taloram

@@ -1,0 +1,43 @@
+#include <gtk/gtk.h>
+#include <gtkmm/main.h>
+
+#include <cstdlib>
+
+#include "app/command_line.h"
+#include "app/menu_window.h"
+#include "libutils/diagnostics.h"
+
+namespace {
+
+constexpr const char* input_method_cache = "/usr/local/lib/gtk-3.0/3.0.0/immodules.cache";
+
+// True when a display can be opened. Only the backends that show windows by themselves are asked: the others complain
+// in lines of their own.
+bool open_display(int& argc, char**& argv) {
+    if (std::getenv("GDK_BACKEND") == nullptr) {
+        gdk_set_allowed_backends("quartz,win32,wayland,x11");
+    }
+    return gtk_init_check(&argc, &argv) != FALSE;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // The command line is looked at without a display, so that help is to be had everywhere.
+    gtk_parse_args(&argc, &argv);
+    if (argc < 1 || taloram::parse_command_line(argc, argv).wants_usage) {
+        taloram::usage(argc < 1 ? "taloram" : argv[0]);
+        return EXIT_SUCCESS;
+    }
+    if (!open_display(argc, argv)) {
+        libutils::report(argv[0], ": can't open a display; windows need one.");
+        return EXIT_FAILURE;
+    }
+    Gtk::Main toolkit(argc, argv);
+    if (g_file_test(input_method_cache, G_FILE_TEST_EXISTS) != FALSE) {
+        g_setenv("GTK_IM_MODULE_FILE", input_method_cache, TRUE);
+    }
+    taloram::MenuWindow window(argc, argv);
+    Gtk::Main::run(window);
+    return EXIT_SUCCESS;
+}
