@@ -58,7 +58,7 @@ void write_samples(const std::string& directory) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2) {
+    if (argc != 2 || argv[1][0] == '-') {
         libutils::report("usage: make_samples <directory>");
         return 2;
     }

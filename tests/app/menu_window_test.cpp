@@ -1,0 +1,132 @@
+#include "app/menu_window.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+
+#include "dialogs/text_encoding.h"
+#include "settings/settings.h"
+#include "settings/settings_file.h"
+#include "tests/dialogs/toolkit_driver.h"
+#include "tests/support/fixtures.h"
+#include "tests/support/photo_maker.h"
+
+namespace {
+
+using namespace taloram;
+using namespace test_support;
+
+class MainWindow : public testing::Test {
+  protected:
+    MainWindow() {
+        g_global.album = album_;
+        std::filesystem::create_directory(album_);
+        saveini("", "taloram");
+    }
+    ~MainWindow() override {
+        EXPECT_TRUE(all_answered());
+        g_global = global_t();
+    }
+
+    void make_entry(const std::string& name, const std::string& title, const std::string& count) const {
+        std::filesystem::create_directories(album_ + "/" + name + "/txt");
+        write_file(album_ + "/" + name + "/txt/head.txt", title + "\r\n" + title + "\r\nfirst\r\nsecond\r\n");
+        if (!count.empty()) {
+            std::filesystem::create_directories(album_ + "/" + name + "/original");
+            write_file(album_ + "/" + name + "/txt/count.txt", count);
+        }
+    }
+    // "column:text" of every widget of the list's row.
+    static std::vector<std::string> row(Gtk::Widget& window, guint number) {
+        std::vector<std::string> cells;
+        Gtk::Table* table = find_all<Gtk::Table>(window).at(0);
+        for (Gtk::Widget* cell : table->get_children()) {
+            guint left = 0;
+            guint top = 0;
+            gtk_container_child_get(table->Gtk::Container::gobj(), cell->gobj(), "left-attach", &left, "top-attach",
+                                    &top, nullptr);
+            if (top == number) {
+                cells.push_back(std::to_string(left) + ":" + find_all<Gtk::Label>(*cell).at(0)->get_text().raw());
+            }
+        }
+        return cells;
+    }
+    [[nodiscard]] MenuWindow* open(std::vector<std::string> words = {}) {
+        words.insert(words.begin(), TALORAM_CATALOGUES "/taloram");
+        for (std::string& word : words_ = words) {
+            argv_.push_back(word.data());
+        }
+        window_ = std::make_unique<MenuWindow>(static_cast<int>(argv_.size()), argv_.data());
+        return window_.get();
+    }
+
+    temp_dir_t dir_;
+    std::string album_ = dir_ / "my album;";
+    std::vector<std::string> words_;
+    std::vector<char*> argv_;
+    std::unique_ptr<MenuWindow> window_;
+};
+
+TEST_F(MainWindow, ListsAlbumsAndBooksBackwards) {
+    make_entry("1 album", "An album", "2/5 \n");
+    make_entry("2 book", "A book", "");
+    std::filesystem::create_directory(album_ + "/3 without texts");
+    MenuWindow& window = *open();
+    EXPECT_EQ(window.get_title(), "taloram - Photo Albums");
+    using testing::UnorderedElementsAre;
+    EXPECT_THAT(row(window, 0), UnorderedElementsAre("0:2 book", "2:Open Book", "4:", "5:A book", "6:first"));
+    EXPECT_THAT(row(window, 1),
+                UnorderedElementsAre("0:1 album", "2:Photos", "3:Viewer", "4:2/5", "5:An album", "6:first"));
+    EXPECT_THAT(row(window, 2), testing::IsEmpty());
+    EXPECT_EQ(find_button(window, "Move"), nullptr);
+    EXPECT_EQ(find_button(window, "Delete"), nullptr);
+    click(window, "Viewer");  // nothing to show yet, so not a word
+    std::filesystem::create_directory(album_ + "/1 album/size1");
+    answer_next(message_text(msg_no_viewer), "OK");
+    click(window, "Viewer");
+    answer_next(message_text(msg_not_opened) + "\n" + album_ + "/index.html", "OK");
+    click(window, "Open in Browser");
+}
+
+TEST_F(MainWindow, SaysWhatToDoWithoutAlbums) {
+    EXPECT_TRUE(shows_text(*open(), message_text(msg_no_albums)));
+    std::filesystem::remove(album_);
+    EXPECT_FALSE(window_->make_items());
+    EXPECT_TRUE(shows_text(*window_, message_text(msg_no_directory)));
+}
+
+TEST_F(MainWindow, FitsTheScreenWithManyLongRows) {
+    for (int i = 0; i < 60; ++i) {
+        make_entry(std::to_string(i) + std::string(150, 'n'), std::string(300, 't'), "1/1\n");
+    }
+    MenuWindow& window = *open();
+    window.show();
+    for (int i = 0; i < 20; ++i) {
+        settle();
+        g_usleep(10'000);
+    }
+    EXPECT_LE(window.get_width(), 1280);
+    EXPECT_LE(window.get_height(), 800);
+    EXPECT_GE(find_all<Gtk::ScrolledWindow>(window).at(1)->get_height(), 400);
+}
+
+TEST_F(MainWindow, TakesPathsFromTheCommandLineForOneRun) {
+    make_entry("entry", "title", "");
+    saveini("", "taloram");
+    EXPECT_TRUE(shows_text(*open({"/card", dir_ / "elsewhere"}), message_text(msg_no_directory)));
+    EXPECT_EQ(g_global.from, "/card");
+    EXPECT_TRUE(loadini("", "taloram"));
+    EXPECT_EQ(g_global.album, album_);
+}
+
+TEST_F(MainWindow, FirstStartAsksForTheOptions) {
+    std::filesystem::remove(inifile("", "taloram"));
+    on_next_dialog([](Gtk::Dialog& dialog) {
+        EXPECT_EQ(dialog.get_title(), "Options");
+        click(dialog, "OK");
+    });
+    EXPECT_TRUE(shows_text(*open(), message_text(msg_no_albums)));
+    EXPECT_TRUE(std::filesystem::exists(inifile("", "taloram")));
+}
+
+}  // namespace

@@ -1,0 +1,141 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+
+#include "album/import.h"
+#include "dialogs/edit_album_dialog.h"
+#include "dialogs/make_album_dialog.h"
+#include "settings/settings.h"
+#include "tests/dialogs/toolkit_driver.h"
+#include "tests/support/fixtures.h"
+#include "tests/support/photo_maker.h"
+
+namespace {
+
+using namespace taloram;
+using namespace test_support;
+
+int column_of(Gtk::Table& table, Gtk::Widget& cell, const char* property = "left-attach") {
+    guint value = 0;
+    gtk_container_child_get(GTK_CONTAINER(table.gobj()), cell.gobj(), property, &value, nullptr);
+    return static_cast<int>(value);
+}
+
+// The picture that shows in a widget, as width and height.
+std::pair<int, int> picture_size(Gtk::Widget& top, size_t index = 0) {
+    const auto pixels = find_all<Gtk::Image>(top).at(index)->get_pixbuf();
+    return pixels ? std::pair(pixels->get_width(), pixels->get_height()) : std::pair(0, 0);
+}
+
+TEST(MakeAlbumDialog, lists_turns_and_selects) {
+    const temp_dir_t card;
+    const temp_dir_t empty;
+    const std::string invalid = "bro\x83ken.JPG";
+    write_file(card / "A.JPG", make_camera_jpeg({}, 1, true));
+    write_file(card / "B.MOV", std::string("movie"));
+    write_file(card / invalid, std::string("junk"));
+    write_file(card / "head.txt", std::string("Trip\r\nTrip\r\nBy \x83 sea\r\n"));
+    g_global.horizontal_items = 0;
+    Gtk::Window window;
+    const std::string book = "/no book";
+    MakeAlbumDialog dialog(window, card.path(), book);
+    EXPECT_TRUE(find_all<Gtk::ToggleButton>(dialog).empty());
+    const std::string err = stderr_of([&] { click(dialog, "Update List"); });
+    EXPECT_TRUE(err.ends_with((card / invalid) + ": jpeginfo analyze_markers() failed.\n")) << err;
+    g_global.horizontal_items = 5;
+
+    auto files = find_all<Gtk::ToggleButton>(dialog);
+    auto turns = find_all<Gtk::SpinButton>(dialog);
+    std::reverse(files.begin(), files.end());  // a table names the last first
+    std::reverse(turns.begin(), turns.end());
+    ASSERT_EQ(4U, files.size());
+    ASSERT_EQ(2U, turns.size()) << "photographs alone can be turned";
+    auto& table = dynamic_cast<Gtk::Table&>(*files[1]->get_parent());
+    EXPECT_EQ(std::pair(0, 3), std::pair(column_of(table, *files[1]), column_of(table, *files[1], "top-attach")));
+    EXPECT_EQ(nullptr, files[2]->get_image()) << "a broken file has no picture";
+
+    turns[0]->set_value(90);
+    EXPECT_EQ(std::pair(120, 160), picture_size(*files[0]));
+    turns[0]->set_value(180);
+    turns[0]->set_value(0);
+    EXPECT_EQ(std::pair(160, 120), picture_size(*files[0]));
+    EXPECT_EQ("A.JPG: 45: not 90/180/270.\n", stderr_of([&] { turns[0]->set_value(45); }));
+    turns[0]->set_value(270);
+    EXPECT_TRUE(dialog.selected_files().empty());
+    click(dialog, "Invert Selection");
+    click(dialog, "B.MOV");
+    EXPECT_TRUE(turns[0]->get_editable());
+    const auto chosen = dialog.selected_files();
+    ASSERT_EQ(3U, chosen.size());
+    EXPECT_EQ(3U, chosen[0].rightrotatecount);
+    EXPECT_EQ(invalid, chosen[1].filename);
+    EXPECT_EQ("Trip", dialog.get_title());
+    EXPECT_EQ("By \x83 sea\r\n", dialog.begin_comment()) << "a text that was left alone keeps its bytes";
+
+    const auto entries = find_all<Gtk::Entry>(dialog);
+    EXPECT_FALSE(dialog.leave_from(nullptr)) << "what is listed stays selected";
+    entries[0]->set_text(empty.path());
+    EXPECT_TRUE(dialog.selected_files().empty()) << "names of one directory never stand for files of another";
+    EXPECT_TRUE(dialog.leave_from(nullptr));
+    EXPECT_TRUE(find_all<Gtk::ToggleButton>(dialog).empty());
+    entries[1]->set_text("x");
+    EXPECT_EQ(book + "/x", dialog.get_to());
+    entries[1]->set_text("");
+    EXPECT_EQ("", dialog.get_to());
+}
+
+struct album_t {
+    temp_dir_t dir;
+    Gtk::Window window;
+
+    album_t() {
+        mkdir((dir / "txt").c_str(), 0755);
+        write_file(dir / "txt/head.txt", std::string("T\r\nT\r\n"));
+        write_file(dir / "P.JPG", make_jpeg({}));
+        progress_t progress;
+        EXPECT_TRUE(
+            makealbumwithrotate(dir.path(), {{"P.JPG", 0}}, dir.path(), progress, progress, progress, progress));
+    }
+};
+
+TEST(EditAlbumDialog, saves_texts_comments_and_turns) {
+    album_t album;
+    EditAlbumDialog dialog(album.window, album.dir.path());
+    find_all<Gtk::SpinButton>(dialog).at(0)->set_value(90);
+    EXPECT_EQ(std::pair(12, 16), picture_size(dialog));
+    find_all<Gtk::Entry>(dialog).at(0)->set_text("New");
+    on_next_dialog([](Gtk::Dialog& box) { click(box, "P.JPG"), click(box, "OK"); });
+    on_next_dialog([](Gtk::Dialog& box) {
+        find_all<Gtk::TextView>(box).at(0)->get_buffer()->set_text("one\ntwo");
+        click(box, "Save");
+    });
+    EXPECT_EQ("P.JPG: loadphotocomment() failed.\n", stderr_of([&] { EXPECT_EQ(Gtk::RESPONSE_OK, dialog.run()); }));
+    EXPECT_TRUE(all_answered());
+    const auto text = [&](const char* name) { return read_file(album.dir / name); };
+    EXPECT_EQ(blob_t({'o', 'n', 'e', '\r', '\n', 't', 'w', 'o', '\r', '\n'}), text("txt/P.JPG.txt"));
+    EXPECT_EQ(blob_t({'N', 'e', 'w', '\r', '\n', 'N', 'e', 'w', '\r', '\n'}), text("txt/head.txt"));
+    EXPECT_EQ(48U, decode(text("size0/P.JPG")).width) << "64 x 48, turned";
+}
+
+TEST(EditAlbumDialog, without_a_title_the_album_is_updated_all_the_same) {
+    album_t album;
+    EditAlbumDialog dialog(album.window, album.dir.path());
+    remove((album.dir / "size0/P.JPG").c_str());
+    find_all<Gtk::Entry>(dialog).at(0)->set_text("");
+    on_next_dialog([](Gtk::Dialog& box) { click(box, "Apply"); });
+    answer_next("Please enter a title.", "OK");
+    EXPECT_EQ(Gtk::RESPONSE_APPLY, dialog.run());
+    EXPECT_EQ("T\r\nT\r\n",
+              std::string(reinterpret_cast<const char*>(read_file(album.dir / "txt/head.txt").data()), 6));
+    EXPECT_EQ(read_file(album.dir / "original/P.JPG"), read_file(album.dir / "size0/P.JPG"));
+}
+
+TEST(EditAlbumDialog, no_originals) {
+    const temp_dir_t album;
+    Gtk::Window window;
+    const std::string line = album.path() + ": EditAlbumDialog make_rows() failed.\n";
+    EXPECT_EQ(line, stderr_of([&] { EXPECT_TRUE(EditAlbumDialog(window, album.path()).selected_files().empty()); }));
+}
+
+}  // namespace

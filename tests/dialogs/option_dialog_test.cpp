@@ -1,0 +1,58 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "dialogs/global_option_dialog.h"
+#include "settings/settings.h"
+#include "settings/settings_file.h"
+#include "tests/dialogs/toolkit_driver.h"
+#include "tests/support/fixtures.h"
+#include "tests/support/photo_maker.h"
+
+namespace {
+
+using namespace taloram;
+using namespace test_support;
+
+TEST(OptionDialog, StoresAndSavesOnOkOnly) {
+    const temp_dir_t dir;
+    const char* const name = "option-test";
+    const std::string unshowable = dir / "card\xB1\xB2";
+    g_global = global_t();
+    g_global.from = unshowable;
+    saveini("", name);
+    const blob_t before = read_file(inifile("", name));
+    Gtk::Window parent;
+    GlobalOptionDialog dialog(parent, "", name);
+    dialog.show();
+    settle();
+    EXPECT_LE(dialog.get_width(), 1280);
+    const auto entries = find_all<Gtk::Entry>(dialog);  // from, album, width, height, quality, items, header, address
+    ASSERT_EQ(entries.size(), 8U);
+
+    click(dialog, "OK");
+    EXPECT_EQ(read_file(inifile("", name)), before) << "unchanged values";
+    const std::string texts[] = {"", dir / "an album; of mine", "1000", "40000", "7", "0", "<h\u00e9>", ""};
+    for (size_t i = 1; i < 8; ++i) {
+        entries[i]->set_text(texts[i]);
+    }
+    click(dialog, "Cancel");
+    EXPECT_EQ(g_global.html_address, global_t().html_address);
+    EXPECT_EQ(read_file(inifile("", name)), before);
+
+    click(dialog, "OK");
+    EXPECT_TRUE(std::filesystem::is_directory(texts[1]));
+    g_global = global_t();
+    ASSERT_TRUE(loadini("", name));
+    EXPECT_EQ(g_global.from, unshowable);
+    EXPECT_EQ(g_global.album, texts[1]);
+    EXPECT_EQ(g_global.shrink_width, 1000U);
+    EXPECT_EQ(g_global.shrink_height, 32768U);
+    EXPECT_EQ(g_global.jpeg_compress, 7U);
+    EXPECT_EQ(g_global.horizontal_items, 0U);
+    EXPECT_EQ(g_global.html_header, texts[6]);
+    EXPECT_EQ(g_global.html_address, "");
+    g_global = global_t();
+}
+
+}  // namespace
