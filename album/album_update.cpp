@@ -68,7 +68,12 @@ outcome_t update_below(const std::string& path, bool named_by_user, const progre
 
 bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& /*copyprogress*/,
                  progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress) {
-    return names_an_album(album) && step_done(shrinkupdate(files, album, shrinkprogress), "shrinkupdate") &&
+    if (!names_an_album(album)) {
+        return false;
+    }
+    // An import that was stopped while it copied has left none.
+    libutils::mkdir(entry_path(album, layout::thumb).c_str());
+    return step_done(shrinkupdate(files, album, shrinkprogress), "shrinkupdate") &&
            step_done(makehtml(album, htmlprogress), "makehtml") &&
            step_done(makehtmlzoom(album, zoomprogress), "makehtmlzoom");
 }

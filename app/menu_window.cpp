@@ -29,6 +29,7 @@ namespace {
 
 constexpr int text_height = 80;     // pixels
 constexpr int default_width = 800;  // pixels
+constexpr unsigned border = 8;      // pixels
 
 // Columns of the list; the second stays empty.
 enum column_t : guint {
@@ -118,6 +119,7 @@ void MenuWindow::pack_widgets() {
     }
     button_row_.set_valign(Gtk::ALIGN_END);
     box_.pack_start(button_row_, Gtk::PACK_EXPAND_WIDGET);
+    box_.set_border_width(border);
     add(box_);
 }
 

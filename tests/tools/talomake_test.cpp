@@ -143,8 +143,9 @@ TEST_F(talomake, shows_progress_apart_from_errors) {
 TEST_F(talomake, updates_and_turns) {
     write_file(home_ / ".taloram", "shrink_size=100,100\r\n");
     ASSERT_EQ(run("talomake album card book/one && talomake album card book/two B.JPG").status, 0);
-    EXPECT_EQ(run("rm */one/size1/a.jpg */two/index.html */index.html; talomake update book/").status, 0);
-    EXPECT_EQ(run("ls */one/size1/a.jpg */*/index.html */index.html && rm */index.html").status, 0);
+    EXPECT_EQ(run("rm -r */one/size1/a.jpg */two/index.html */two/thumb */index.html; talomake update book/").status,
+              0);
+    EXPECT_EQ(run("ls */one/size1/a.jpg */two/thumb/B.JPG */*/index.html */index.html && rm */index.html").status, 0);
     EXPECT_EQ(run("talomake book book && ls */index.html").status, 0);
     EXPECT_EQ(run("talomake turn book/one 270 a.jpg && grep '>120x200 (' book/one/index.html").status, 0);
     EXPECT_THAT(run("rm book/one/size1/a.jpg; talomake turn book/one 90 a.jpg").err,
