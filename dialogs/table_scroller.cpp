@@ -1,5 +1,6 @@
 #include "dialogs/table_scroller.h"
 
+#include <glibmm/main.h>
 #include <gtkmm/bin.h>
 
 #include <algorithm>
@@ -75,8 +76,12 @@ void follow_table(Gtk::ScrolledWindow& scroller, Gtk::Window& window, const Gdk:
     const extent_t screen = work_area(window);
     const extent_t size = wanted(scroller, table);
     const int room = std::max(screen.height - frame_height - height_of_others(scroller, window), 1);
-    scroller.set_size_request(std::min(size.width, std::max(screen.width - frame_width, 1)),
-                              std::min({size.height, max_height, room}));
+    const extent_t request{std::min(size.width, std::max(screen.width - frame_width, 1)),
+                           std::min({size.height, max_height, room})};
+    // What is asked for while sizes are being given out is forgotten.
+    Glib::signal_idle().connect_once(
+        sigc::track_obj([&scroller, request] { scroller.set_size_request(request.width, request.height); }, scroller),
+        Glib::PRIORITY_HIGH_IDLE);
 }
 
 void set_short_text(Gtk::Label& label, const Glib::ustring& text, int widest_characters) {
