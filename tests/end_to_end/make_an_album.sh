@@ -1,0 +1,186 @@
+#!/usr/bin/env bash
+# A first evening with taloram, from the first start to a cleared-up book, by real keys and clicks. What every step
+# leaves on the disk is checked, and the album must be the one that talomake makes.
+#
+#   make_an_album.sh <directory of the programs>     under a display without a window manager
+set -euo pipefail
+
+for tool in xvfb-run openbox xdotool; do
+    if ! command -v "$tool" >/dev/null; then
+        echo "skipped: $tool is missing, see scripts/install-dependencies"
+        exit 77
+    fi
+done
+# shellcheck source=tests/end_to_end/play_user.sh
+source "$(dirname "${BASH_SOURCE[0]}")/play_user.sh"
+bin=$(cd "$1" && pwd)
+failed_picture=$PWD/make_an_album-failed.png
+place=$(mktemp -d)
+card=$place/card
+albums=$place/albums
+trap 'stop_desktop; rm -rf "$place"' EXIT
+
+fail() {
+    echo "failed: $*" >&2
+    cat "$HOME/taloram.log" >&2 || true
+    if command -v import >/dev/null && import -window root "$failed_picture"; then
+        echo "the screen: $failed_picture" >&2
+    fi
+    exit 1
+}
+
+check() {
+    "$@" || fail "this does not hold: $*"
+}
+
+#   has <text> <file>
+has() {
+    wait_for 120 "\"$1\" in $2" grep -qF -- "$1" "$2"
+}
+
+lacks() {
+    ! grep -qF -- "$1" "$2"
+}
+
+is_gone() {
+    [ ! -e "$1" ]
+}
+
+has_ended() {
+    ! kill -0 "$taloram"
+}
+
+first_start() {
+    start_taloram "$bin/taloram"
+    wait_window "Options"
+    check is_gone "$HOME/.taloram"
+    press alt+a # camera directory
+    fill "$card"
+    press alt+l # album directory
+    fill "$albums"
+    press Return
+    wait_window "taloram - Photo Albums"
+    has "from=$card" "$HOME/.taloram"
+    has "album=$albums" "$HOME/.taloram"
+    check test -d "$albums"
+}
+
+make_book() {
+    press alt+e
+    wait_window "Edit Book"
+    editor=$window
+    fill "Our albums"
+    press alt+n
+    wait_window "New Book"
+    fill "travel"
+    press alt+t
+    fill "Travels"
+    press Return
+    has "Travels" "$albums/travel/index.html"
+    wait_window "Edit Book" "$editor"
+    editor=$window
+}
+
+make_album() {
+    press alt+e
+    wait_window "New Album"
+    wait_size 900 700
+    press alt+a
+    fill "summer"
+    press alt+t
+    fill "Summer at the sea"
+    click_at 110 200 # the first photograph
+    click_at 198 336 # its "+"
+    click_at 474 200 # the third
+    click_at 541 336
+    click_at 541 336
+    press alt+o
+    has "IMG_0003.JPG" "$albums/summer/index.html"
+    has "summer/index.html" "$albums/index.html"
+    wait_window "Edit Book" "$editor"
+    editor=$window
+    check test "$(ls "$albums/summer/original")" = $'IMG_0001.JPG\nIMG_0003.JPG'
+    check cmp "$card/IMG_0001.JPG" "$albums/summer/original/IMG_0001.JPG"
+}
+
+# Pages tell when they were made.
+without_time() {
+    cp -r "$1" "$2"
+    find "$2" -name '*.html' -exec env LC_ALL=C sed -i '/^HTML Generated: /d' {} +
+}
+
+compare_with_talomake() {
+    mkdir "$place/other"
+    "$bin/talomake" album --title "Summer at the sea" --rotate IMG_0001.JPG=90 --rotate IMG_0003.JPG=180 \
+        "$card" "$place/other/summer" IMG_0001.JPG IMG_0003.JPG >"$place/talomake.log"
+    without_time "$albums/summer" "$place/window"
+    without_time "$place/other/summer" "$place/command"
+    check diff -r "$place/window" "$place/command"
+    check test "$(find "$place/window" -type f | wc -l)" -ge 12
+}
+
+# The rows come behind title and opening text: name, open, remove. The book is the first one, as names go backwards.
+go_to_row() {
+    press alt+t
+    press_times $((2 + 3 * ($1 - 1))) Tab
+}
+
+write_comment() {
+    go_to_row 2
+    press Tab space
+    wait_window "Edit Book - summer"
+    press alt+t
+    press_times 2 Tab
+    press space
+    wait_window "IMG_0001.JPG"
+    write "The first boat"
+    press alt+o
+    has "The first boat" "$albums/summer/txt/IMG_0001.JPG.txt"
+    wait_window "Edit Book - summer"
+    press alt+o
+    has "The first boat" "$albums/summer/index.html"
+    wait_window "Edit Book"
+}
+
+rename_album() {
+    go_to_row 2
+    fill "sommer"
+    press alt+a
+    has "sommer/index.html" "$albums/index.html"
+    check is_gone "$albums/summer"
+    check test -f "$albums/sommer/original/IMG_0003.JPG"
+    wait_window "Edit Book" "$editor"
+}
+
+remove_book() {
+    go_to_row 1
+    press Tab Tab space
+    wait_window "Remove"
+    press Escape
+    wait_window "Edit Book"
+    check test -d "$albums/travel"
+    press space
+    wait_window "Remove"
+    press alt+o
+    wait_for 60 "The book's removal" is_gone "$albums/travel"
+    wait_window "Edit Book"
+    check test -f "$albums/sommer/index.html"
+}
+
+close_all() {
+    press alt+o
+    wait_window "taloram - Photo Albums"
+    has "Our albums" "$albums/index.html"
+    check lacks "travel" "$albums/index.html"
+    press alt+c
+    wait_for 30 "The program's end" has_ended
+    check wait "$taloram"
+}
+
+mkdir "$place/home"
+"$bin/make_samples" "$card"
+start_desktop "$place/home"
+for step in first_start make_book make_album compare_with_talomake write_comment rename_album remove_book close_all; do
+    echo "$step"
+    "$step"
+done
