@@ -50,6 +50,13 @@ class BookDialogs : public testing::Test {
     static void type(Gtk::Dialog& dialog, size_t entry, const Glib::ustring& text) {
         find_all<Gtk::Entry>(dialog).at(entry)->set_text(text);
     }
+    static void type_title(Gtk::Dialog& dialog, const Glib::ustring& title) {
+        for (Gtk::Entry* entry : find_all<Gtk::Entry>(dialog)) {
+            if (entry->get_accessible()->get_name() == "Title") {
+                entry->set_text(title);
+            }
+        }
+    }
     static std::function<void(Gtk::Dialog&)> clicking(const char* label) {
         return [label](Gtk::Dialog& dialog) { click(dialog, label); };
     }
@@ -145,11 +152,7 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
     };
     const auto titled = [](const char* title) {
         return [title](Gtk::Dialog& maker) {
-            for (Gtk::Entry* entry : find_all<Gtk::Entry>(maker)) {
-                if (entry->get_accessible()->get_name() == "Title") {
-                    entry->set_text(title);
-                }
-            }
+            type_title(maker, title);
             click(maker, "OK");
         };
     };
@@ -185,6 +188,23 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
     for (const char* made : {"/index.html", "/sub/index.html", "/sub/day 1/index.html", "/sub/day 1/thumb/P2.JPG"}) {
         EXPECT_TRUE(std::filesystem::exists(book_ + made)) << made;
     }
+}
+
+TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
+    write_file(g_global.from + "/broken.jpg", std::string("no photograph"));
+    on_next_dialog(clicking("New Album"));
+    on_next_dialog([&](Gtk::Dialog& maker) {
+        click(maker, "Update List");
+        click(maker, "Invert Selection");
+        type(maker, 1, "broken");
+        type_title(maker, "Broken");
+        click(maker, "OK");
+    });
+    answer_next("The album could not be made.", "OK");
+    on_next_dialog(clicking("Cancel"));
+    const std::string errors = stderr_of([this] { edit_book(window_, book_); });
+    EXPECT_THAT(errors, testing::EndsWith("shrink() failed.\n"));
+    EXPECT_TRUE(std::filesystem::exists(book_ + "/broken/original/broken.jpg")) << "what was copied stays";
 }
 
 }  // namespace
