@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Plays a user of taloram with real keys and clicks; sourced by the end-to-end test and by scripts/screenshots.
 # All waiting is for something seen on the screen or on the disk.
 
@@ -56,8 +57,9 @@ wait_window() {
 }
 
 is_at_least() {
-    local X=0 Y=0 WIDTH=0 HEIGHT=0 SCREEN=0 WINDOW=0
-    eval "$(xdotool getwindowgeometry --shell "$window")" && [ "$WIDTH" -ge "$1" ] && [ "$HEIGHT" -ge "$2" ]
+    local size
+    size=$(xdotool getwindowgeometry "$window" | sed -n 's/.*Geometry: //p')
+    [ "${size%x*}" -ge "$1" ] && [ "${size#*x}" -ge "$2" ]
 }
 
 # A window grows when its list is filled.
