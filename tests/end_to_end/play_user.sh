@@ -92,6 +92,5 @@ press_times() {
 
 #   click_at <x> <y>   pixels from the window's left upper corner
 click_at() {
-    xdotool mousemove --sync --window "$window" "$1" "$2"
-    xdotool click 1
+    xdotool mousemove --sync --window "$window" "$1" "$2" click 1 || fail "The window to click at is gone."
 }
