@@ -4,7 +4,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <list>
 
@@ -78,13 +77,12 @@ page_texts_t load_texts(const std::string& album) {
     return {title, chopped_lines(head), chopped_lines(last)};
 }
 
-bool open_album_page(std::ofstream& out, const std::string& path) {
-    out = open_page(path);
-    if (!out) {
+bool save_album_page(const page_t& page, const std::string& path, libutils::staging_t staging) {
+    const bool saved = page.save(path, staging);
+    if (!saved) {
         libutils::report(path, ": open error, ", std::strerror(errno));
-        return false;
     }
-    return true;
+    return saved;
 }
 
 bool write_size_links(std::ostream& out, const std::string& album, const page_photo_t& photo) {
@@ -149,10 +147,7 @@ bool write_photo(std::ostream& out, const std::string& album, const page_photo_t
 
 bool write_index(const std::string& album, page_texts_t& texts, const std::list<std::string>& movies,
                  const std::list<std::string>& names, std::vector<page_photo_t>& photos, progress_t& progress) {
-    std::ofstream out;
-    if (!open_album_page(out, entry_path(album, layout::index_page))) {
-        return false;
-    }
+    page_t out;
     write_page_head(out, texts);
     out << "\n<UL>\n";
     for (const std::string& movie : movies) {
@@ -167,15 +162,12 @@ bool write_index(const std::string& album, page_texts_t& texts, const std::list<
     }
     out << "</UL>\n";
     write_page_foot(out, texts);
-    return true;
+    return save_album_page(out, entry_path(album, layout::index_page), libutils::staging_t::beside);
 }
 
 // The contact sheet. The anchor of a photograph with one size is never closed, as in the index.
 bool write_list(const std::string& album, page_texts_t& texts, const std::vector<page_photo_t>& photos) {
-    std::ofstream out;
-    if (!open_album_page(out, entry_path(album, layout::list_page))) {
-        return false;
-    }
+    page_t out;
     write_page_head(out, texts);
     out << "<br>\n\n";
     for (const page_photo_t& photo : photos) {
@@ -184,36 +176,33 @@ bool write_list(const std::string& album, page_texts_t& texts, const std::vector
             << " 1x," << photo.link(photo.level) << " 2x\">" << (photo.level != 0 ? "</a>\n" : "");
     }
     write_page_foot(out, texts);
-    return true;
+    return save_album_page(out, entry_path(album, layout::list_page), libutils::staging_t::beside);
 }
 
 bool write_count(const std::string& album, size_t movies, size_t photos) {
-    std::ofstream out;
-    if (!open_album_page(out, text_path(album, layout::count_text))) {
-        return false;
-    }
+    page_t out;
     if (movies != 0) {
         out << movies;
     }
     out << "+" << photos << '\n';
-    return true;
+    return save_album_page(out, text_path(album, layout::count_text), libutils::staging_t::above);
 }
 
 // The page of level `level` (1 or more); its picture links to the next larger size.
 bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsigned long level) {
     const std::string path = entry_path(album, entry_path(layout::html, photo.zooms[level - 1]));
-    std::ofstream out = open_page(path);
-    if (!out) {
-        libutils::report(path, ": write open error.");
-        return false;
-    }
+    page_t out;
     const std::string above = "../";
     const std::string image = above + photo.link(level);
     write_page_start(out);
     out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
         << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
     write_page_end(out);
-    return true;
+    const bool saved = out.save(path, libutils::staging_t::above);
+    if (!saved) {
+        libutils::report(path, ": write open error.");
+    }
+    return saved;
 }
 
 }  // namespace

@@ -81,11 +81,7 @@ bool makehtmlbook(const std::string& book) {
     }
     page_texts_t texts = load_texts(book);
     const std::string path = entry_path(book, layout::index_page);
-    std::ofstream out = open_page(path);
-    if (!out) {
-        libutils::report(path, ": write open error, ", std::strerror(errno));
-        return false;
-    }
+    page_t out;
     write_page_head(out, texts);
     out << "\n<p><table>\n";
     write_heading_row(out);
@@ -94,8 +90,11 @@ bool makehtmlbook(const std::string& book) {
     }
     out << "</table>\n";
     write_page_foot(out, texts);
-    out.flush();
-    return out.good();
+    if (!out.save(path, libutils::staging_t::beside)) {
+        libutils::report(path, ": write open error, ", std::strerror(errno));
+        return false;
+    }
+    return true;
 }
 
 }  // namespace taloram

@@ -2,7 +2,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 
@@ -10,6 +9,7 @@
 #include "album/text_file.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
+#include "libutils/new_file.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
 #include "talolib/option.h"
@@ -56,25 +56,34 @@ void take_title(std::string& title, std::string& head, const std::string& path, 
     }
 }
 
-void write_lines(std::ostream& out, const std::string& text) {
+std::string lines_of(const std::string& text) {
+    std::string lines;
     for (std::string& line : split_lines(text)) {
         libutils::chop(line);
-        out << line << "\r\n";
+        lines += line + "\r\n";
     }
+    return lines;
 }
 
-// Writes one comment file: `title`, where there is one, and the lines of `text`.
-bool save_text(const std::string& path, const std::string& title_lines, const std::string& text) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) {
+// A comment file. Nobody can write the user's words again, so they wait for the disk.
+class comment_file_t {
+  public:
+    explicit comment_file_t(const std::string& path) : file_(path, libutils::staging_t::above) {}
+
+    [[nodiscard]] bool open() { return file_.open_as_old(); }
+    [[nodiscard]] bool save(const std::string& lines) { return file_.write(lines) && file_.commit_to_disk(); }
+
+  private:
+    libutils::new_file_t file_;
+};
+
+bool save_text(const std::string& path, const std::string& lines) {
+    comment_file_t file(path);
+    if (!file.open()) {
         libutils::report(path, ": file open failed, ", std::strerror(errno));
         return false;
     }
-    out << title_lines;
-    write_lines(out, text);
-    // A full disk shows only when the bytes leave the buffer.
-    out.flush();
-    if (!out) {
+    if (!file.save(lines)) {
         libutils::report(path, ": file write error.");
         return false;
     }
@@ -112,8 +121,8 @@ bool savecommenttxt(const std::string& album, const std::string& title, const st
                     const std::string& last) {
     libutils::mkdir(entry_path(album, layout::text).c_str());
     const std::string title_line = title + "\r\n";
-    return save_text(text_path(album, head_name.name), title_line + title_line, head) &&
-           save_text(text_path(album, last_name.name), "", last);
+    return save_text(text_path(album, head_name.name), title_line + title_line + lines_of(head)) &&
+           save_text(text_path(album, last_name.name), lines_of(last));
 }
 
 bool loadphotocomment(std::string& text, const std::string& album, const std::string& photo) {
@@ -143,12 +152,11 @@ bool loadphotocommentlines(std::list<std::string>& lines, const std::string& alb
 
 bool savephotocomment(const std::string& text, const std::string& album, const std::string& photo) {
     const std::string path = photo_comment_path(album, photo, photo_suffix.name);
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!out) {
+    comment_file_t file(path);
+    if (!file.open() || !file.save(lines_of(text))) {
         libutils::report(path, ": write open error, ", std::strerror(errno));
         return false;
     }
-    write_lines(out, text);
     return true;
 }
 

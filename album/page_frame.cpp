@@ -2,7 +2,6 @@
 
 #include <array>
 #include <ctime>
-#include <locale>
 
 #include "album/comment_store.h"
 #include "settings/settings.h"
@@ -32,11 +31,8 @@ void write_time_stamp(std::ostream& out) {
 
 }  // namespace
 
-std::ofstream open_page(const std::string& path) {
-    std::ofstream out;
-    out.imbue(std::locale::classic());
-    out.open(path, std::ios::trunc);
-    return out;
+bool page_t::save(const std::string& path, libutils::staging_t staging) const {
+    return libutils::replace_file(path, staging, str());
 }
 
 void write_page_start(std::ostream& out) {

@@ -1,9 +1,12 @@
 #pragma once
 
-#include <fstream>
 #include <list>
+#include <locale>
 #include <ostream>
+#include <sstream>
 #include <string>
+
+#include "libutils/new_file.h"
 
 // What all pages of albums and books share. Pages are written without escaping and end their lines with LF.
 namespace taloram {
@@ -15,9 +18,14 @@ struct page_texts_t {
     std::list<std::string> last;
 };
 
-// The page `path`, emptied, for writing with numbers in the classic form. When it can't be created the stream has
-// failed and errno tells why.
-[[nodiscard]] std::ofstream open_page(const std::string& path);
+// A page while it is composed: numbers take the classic form.
+class page_t : public std::ostringstream {
+  public:
+    page_t() { imbue(std::locale::classic()); }
+
+    // Puts the page in place of the file `path`. False when that can't be done; errno tells why and the old page stays.
+    [[nodiscard]] bool save(const std::string& path, libutils::staging_t staging) const;
+};
 
 // From "<HTML>" to "<BODY>"; a page without a title has no title element.
 void write_page_start(std::ostream& out);

@@ -63,6 +63,14 @@ bool save_file(libgr::jpegdata_t& data, const std::string& path) {
     return saved;
 }
 
+bool turn(libgr::jpegdata_t& turned, const libgr::jpegdata_t& data, const std::string& path, unsigned long count) {
+    const bool good = libgr::transform(count, turned, data);
+    if (!good) {
+        libutils::report(path, ": transform() failed.");
+    }
+    return good;
+}
+
 bool read_original(original_t& original, const std::string& album, const std::string& name) {
     original.path = original_path(album, name);
     libgr::jpegdata_t data;
@@ -135,13 +143,14 @@ bool save_level(const std::string& path, picture_t& picture) {
 bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& thumbnail, unsigned long count) {
     libgr::jpegdata_t data;
     data.setvector(thumbnail, path.c_str());
+    // It is turned before it is written: an unturned one would pass for done. One that can't be turned is still one.
+    libgr::jpegdata_t turned;
+    if (count != 0 && turn(turned, data, path, count)) {
+        data.setvector(turned, path.c_str());
+    }
     if (!data.save(path.c_str())) {
         libutils::report(path, ": thumbnail save failed, ", std::strerror(errno));
         return false;
-    }
-    if (count != 0) {
-        // A thumbnail that can't be turned is still one.
-        static_cast<void>(rotatejpeg(path, path, count));
     }
     return true;
 }
@@ -333,11 +342,7 @@ bool rotatejpeg(const std::string& from, const std::string& to, unsigned long co
         return false;
     }
     libgr::jpegdata_t turned;
-    if (!libgr::transform(count, turned, data)) {
-        libutils::report(from, ": transform() failed.");
-        return false;
-    }
-    return save_file(turned, to);
+    return turn(turned, data, from, count) && save_file(turned, to);
 }
 
 bool rotateallsize(const std::string& album, const std::string& name, unsigned long count) {

@@ -10,7 +10,11 @@ bool load_text(std::string& text, const std::string& path) {
     if (!bytes.load(0, path.c_str(), libutils::PROT_READ_ONLY, 0, false, nullptr)) {
         return false;
     }
-    text.assign(bytes.begin(), bytes.end());
+    std::string whole(bytes.begin(), bytes.end());
+    if (!bytes.is_intact()) {
+        return false;
+    }
+    text = std::move(whole);
     return true;
 }
 

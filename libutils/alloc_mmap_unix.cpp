@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "libutils/mapped_files.h"
+
 namespace libutils {
 
 namespace {
@@ -17,6 +19,16 @@ unsigned char no_bytes;
 
 void* or_null(void* mapped) {
     return mapped == MAP_FAILED ? nullptr : mapped;
+}
+
+// Takes the descriptor over when it succeeds.
+void* map_watched(size_t size, int protection, int kind, int file, unsigned long long offset) {
+    void* const data = or_null(mmap(nullptr, size, protection, kind, file, static_cast<off_t>(offset)));
+    if (data != nullptr && !watch_mapping(data, size, file, offset + size)) {
+        munmap(data, size);
+        return nullptr;
+    }
+    return data;
 }
 
 void* map_anonymous(size_t size) {
@@ -52,6 +64,7 @@ void* alloc_mmap_unix::map_file(size_t& size, const char* path, unsigned long lo
         return nullptr;
     }
     void* data = nullptr;
+    bool is_mapped = false;  // the descriptor went to the mapping
     struct stat status {};
     if (fstat(file, &status) == 0 && S_ISREG(status.st_mode) &&
         offset <= static_cast<unsigned long long>(status.st_size)) {
@@ -62,10 +75,13 @@ void* alloc_mmap_unix::map_file(size_t& size, const char* path, unsigned long lo
         if (size == 0) {
             data = &no_bytes;
         } else if (size <= rest) {
-            data = or_null(mmap(nullptr, size, protection_, kind_, file, static_cast<off_t>(offset)));
+            data = map_watched(size, protection_, kind_, file, offset);
+            is_mapped = data != nullptr;
         }
     }
-    close(file);
+    if (!is_mapped) {
+        close(file);
+    }
     return data;
 }
 
@@ -76,6 +92,7 @@ void* alloc_mmap_unix::reallocate(void* old, size_t size, unsigned long long /*o
         if (data == nullptr) {
             return nullptr;
         }
+        move_mapping(old, data, size);
     } else {
         data = map_anonymous(size);
         if (data == nullptr) {
@@ -92,8 +109,13 @@ void* alloc_mmap_unix::reallocate(void* old, size_t size, unsigned long long /*o
     return data;
 }
 
+bool alloc_mmap_unix::is_intact(const void* data) const {
+    return is_private() || length_ == 0 || is_mapping_intact(data);
+}
+
 void alloc_mmap_unix::deallocate(void* data) {
     if (data != nullptr && length_ != 0) {
+        forget_mapping(data);
         munmap(data, length_);
     }
     length_ = 0;

@@ -12,8 +12,8 @@ enum e_prot_t : int { PROT_READ_ONLY = 0, PROT_READ_WRITE = 1 };
 
 // Allocator record of one shared buffer whose bytes lie in a memory mapping: of a file, or anonymous.
 //
-// An allocation of no bytes (an empty file) succeeds with an address that must not be read. No descriptor is kept
-// open behind a mapping. Nothing here writes a message.
+// An allocation of no bytes (an empty file) succeeds with an address that must not be read. The file of a mapping
+// stays open, so that is_intact() can ask for its size. Nothing here writes a message.
 class alloc_mmap_unix {
   public:
     // Maps memory and returns its address, null on failure.
@@ -30,6 +30,10 @@ class alloc_mmap_unix {
     [[nodiscard]] void* reallocate(void* old, size_t size, unsigned long long offset);
 
     void deallocate(void* data);
+
+    // False when a part of the file could not be read any more, because it became shorter or its medium is gone or
+    // broken: the bytes from there on are zeros.
+    [[nodiscard]] bool is_intact(const void* data) const;
 
     // True when only this process sees the bytes and may write them.
     [[nodiscard]] bool is_private() const { return kind_ == kind_private; }

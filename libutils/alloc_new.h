@@ -20,6 +20,7 @@ class alloc_new {
 
     void deallocate(void* data);
 
+    [[nodiscard]] bool is_intact(const void* /*data*/) const { return true; }
     [[nodiscard]] bool is_private() const { return true; }
 
   private:

@@ -84,7 +84,7 @@ bool same_contents(const char* a, const char* b) {
     bytes_t bytes_b;
     return bytes_a.load(0, a, PROT_READ_ONLY, 0, false, nullptr) &&
            bytes_b.load(0, b, PROT_READ_ONLY, 0, false, nullptr) && bytes_a.size() == bytes_b.size() &&
-           std::equal(bytes_a.begin(), bytes_a.end(), bytes_b.begin());
+           std::equal(bytes_a.begin(), bytes_a.end(), bytes_b.begin()) && bytes_a.is_intact() && bytes_b.is_intact();
 }
 
 }  // namespace libutils

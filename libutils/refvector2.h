@@ -98,6 +98,10 @@ class refvector2 {
 
     [[nodiscard]] bool is_allocated() const { return block_ != nullptr; }
 
+    // False when a mapped file could not be read to its end any more; what is missing reads as 0. To be asked once
+    // the bytes were used.
+    [[nodiscard]] bool is_intact() const { return block_ == nullptr || block_->allocator.is_intact(block_->data); }
+
   protected:
     [[nodiscard]] T* buffer_begin() const { return block_ == nullptr ? nullptr : block_->data; }
     [[nodiscard]] size_t buffer_size() const { return block_ == nullptr ? 0 : block_->size; }

@@ -2,8 +2,10 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 #include "libutils/diagnostics.h"
+#include "libutils/new_file.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
 #include "settings/settings.h"
@@ -69,7 +71,7 @@ bool loadini(const char* dir, const char* name) {
 }
 
 void saveini(const char* dir, const char* name) {
-    std::ofstream out(inifile(dir, name), std::ios::binary | std::ios::trunc);
+    std::ostringstream out;
     const libutils::classic_numbers numbers(out);
     writeiniline(out, "from", g_global.from);
     writeiniline(out, "album", g_global.album);
@@ -78,6 +80,8 @@ void saveini(const char* dir, const char* name) {
     writeiniline(out, "horizontal_items", g_global.horizontal_items);
     writeiniline(out, "html_header", g_global.html_header);
     writeiniline(out, "html_address", g_global.html_address);
+    libutils::new_file_t file(inifile(dir, name), libutils::staging_t::beside);
+    static_cast<void>(file.open_as_old() && file.write(out.str()) && file.commit_to_disk());
 }
 
 }  // namespace taloram

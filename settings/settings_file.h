@@ -12,7 +12,7 @@ namespace taloram {
 // passed over. False, without a message, when the file can't be opened.
 [[nodiscard]] bool loadini(const char* dir, const char* name);
 
-// Writes g_global to the settings file. Reports nothing.
+// Writes g_global to the settings file; the old one stays when that fails. Reports nothing.
 void saveini(const char* dir, const char* name);
 
 // One line of the settings file: key, "=", value, CR LF.

@@ -130,6 +130,10 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
         if (outcome.scans > 0) {
             decode_first_scans(d, rows, outcome.scans);
         }
+        if (!d.is_intact()) {
+            libutils::report(shown_name(d), ": jpeg decompress fail, stop.");
+            return false;
+        }
         libutils::report(shown_name(d), ": jpeg decompress fail, but continue.");
     } else if (!outcome.complete) {
         libutils::report(shown_name(d), ": decompress fail.");

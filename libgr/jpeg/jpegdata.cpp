@@ -1,29 +1,16 @@
 #include "libgr/jpeg/jpegdata.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
-
 #include <fstream>
+#include <string_view>
+
+#include "libutils/new_file.h"
 
 namespace libgr {
 
 void jpegbuffer_t::setvector(const libutils::bytes_t& v, const char* new_name) {
     libutils::bytes_t::operator=(v);
     name = new_name;
-}
-
-bool jpegbuffer_t::write_to(const char* path) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    if (!empty()) {
-        out.write(reinterpret_cast<const char*>(begin()), static_cast<std::streamsize>(size()));
-    }
-    // A full disk may show only now.
-    out.close();
-    if (out.fail()) {
-        return false;
-    }
-    name = path;
-    return true;
 }
 
 bool jpegdata_t::load(const char* path, android_app* app) {
@@ -35,8 +22,13 @@ bool jpegdata_t::load(const char* path, android_app* app) {
 }
 
 bool jpegdata_t::save(const char* path, android_app* /*app*/) {
-    unlink(path);
-    return write_to(path);
+    libutils::new_file_t file(path, libutils::staging_t::above);
+    const std::string_view bytes(reinterpret_cast<const char*>(begin()), size());
+    if (!file.open() || !file.write(bytes) || !is_intact() || !file.commit()) {
+        return false;
+    }
+    name = path;
+    return true;
 }
 
 bool jpegdata2_t::load(const char* path) {
@@ -55,7 +47,13 @@ bool jpegdata2_t::save(const char* path) {
     if (own.is_allocated() && !own.resize(own.size())) {
         return false;
     }
-    if (!own.write_to(path)) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    if (!own.empty()) {
+        out.write(reinterpret_cast<const char*>(own.begin()), static_cast<std::streamsize>(own.size()));
+    }
+    // A full disk may show only now.
+    out.close();
+    if (out.fail()) {
         return false;
     }
     name = path;

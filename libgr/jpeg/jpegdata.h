@@ -11,10 +11,6 @@ class jpegbuffer_t : public libutils::bytes_t {
 
     // Shares the buffer of `v` with its offset and limit, under a name.
     void setvector(const libutils::bytes_t& v, const char* new_name);
-
-  protected:
-    // Writes the view's bytes to `path`; true when all of them reached the system.
-    [[nodiscard]] bool write_to(const char* path);
 };
 
 // A whole JPEG file as the libjpeg bridge reads and writes it.
@@ -25,8 +21,8 @@ class jpegdata_t : public jpegbuffer_t {
     // Maps the whole file read-only. No message.
     [[nodiscard]] bool load(const char* path, android_app* app = nullptr);
 
-    // Removes `path` first, so that another name of the same file keeps its contents, then writes a new file. True when
-    // every byte was written and flushed. No message.
+    // Replaces `path` by a new file, so that another name of the old one keeps its contents. True when the file is
+    // there with every byte; the old one stays otherwise. No message, errno tells why.
     [[nodiscard]] bool save(const char* path, android_app* app = nullptr);
 };
 

@@ -60,8 +60,8 @@ class jpeginfo_t {
 
     // Decodes `d` into `img` (8-bit RGB or grayscale) and lists its segments, those without contents left out. A
     // picture that is damaged part way is reported and still gives true: rows not reached keep what the buffer held
-    // (0). False when the header can't be read (reported), the colour layout has no image format, or the pixels can't
-    // be allocated. `align`, `border` and `color` must be 0, false and black.
+    // (0). False when the header can't be read or the file became shorter meanwhile (reported), the colour layout has
+    // no image format, or the pixels can't be allocated. `align`, `border` and `color` must be 0, false and black.
     [[nodiscard]] bool decompress(image2d_t& img, jpegdata_t& d, unsigned short align, bool border,
                                   const color3ub_t& color);
 

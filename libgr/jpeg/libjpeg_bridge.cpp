@@ -220,6 +220,15 @@ void decompressor_t::read_header() {
     }
 }
 
+bool decompressor_t::has_whole_file() const {
+    const bool whole = data_->is_intact();
+    if (!whole) {
+        libutils::report(shown_name(*data_), ": error detected.");
+        libutils::report("File became shorter while it was read");
+    }
+    return whole;
+}
+
 bool decompressor_t::ran_out() const {
     return info.src != nullptr && static_cast<const source_manager_t*>(info.src)->presentations > 1;
 }

@@ -56,8 +56,9 @@ class decompressor_t {
     decompressor_t(const decompressor_t&) = delete;
     decompressor_t& operator=(const decompressor_t&) = delete;
 
-    // Runs `calls`, the only place where libjpeg reads. False when a fatal error ended them, which has then been
-    // reported. The jump back skips destructors: nothing in `calls` may own anything while libjpeg is called.
+    // Runs `calls`, the only place where libjpeg reads. False when a fatal error ended them or the file became shorter
+    // meanwhile, which has then been reported. The jump back skips destructors: nothing in `calls` may own anything
+    // while libjpeg is called.
     template <typename Calls>
     [[nodiscard, gnu::noinline]] bool attempt(const Calls& calls) {
         static_assert(std::is_trivially_destructible_v<Calls>);
@@ -65,7 +66,7 @@ class decompressor_t {
             return false;
         }
         calls();
-        return true;
+        return has_whole_file();
     }
 
     // The steps up to the first scan, for use inside attempt().
@@ -86,6 +87,8 @@ class decompressor_t {
     jpeg_decompress_struct info{};
 
   private:
+    [[nodiscard]] bool has_whole_file() const;
+
     error_manager_t errors_{};
     jpeg_progress_mgr progress_{};
     const jpegdata_t* data_;

@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "libgr/jpeg/jpeginfo.h"
+#include "libgr/jpeg/lossless_turn.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 
@@ -149,6 +152,26 @@ TEST(Jpeg, EncodesOrRefusesBeforehand) {
     EXPECT_EQ(encoded(IMAGE_FORMAT_RGBA, 4, 4, 0), blob_t());
     EXPECT_EQ(encoded(IMAGE_FORMAT_RGB, 0, 4, 0), blob_t());
     EXPECT_EQ(encoded(IMAGE_FORMAT_RGB, 4, 0, 0), blob_t());
+}
+
+TEST(Jpeg, AFileThatBecomesShorterIsNoPicture) {
+    const temp_dir_t dir;
+    const std::string path = dir / "p.jpg";
+    const std::string copy = dir / "copy.jpg";
+    const blob_t whole = make_jpeg({.width = 600, .height = 400});
+    for (const size_t size : {size_t{1}, whole.size() / 2, whole.size() - 1}) {
+        SCOPED_TRACE(size);
+        write_file(path, whole);
+        jpegdata_t data, turned;
+        ASSERT_TRUE(data.load(path.c_str()));
+        std::filesystem::resize_file(path, size);
+        jpeginfo_t info;
+        image2d_t image;
+        EXPECT_FALSE(info.analyze_markers(data));
+        EXPECT_FALSE(info.decompress(image, data, 0, false, {}));
+        EXPECT_FALSE(transform(1, turned, data));
+        EXPECT_FALSE(data.save(copy.c_str()) || std::filesystem::exists(copy));
+    }
 }
 
 TEST(Jpeg, SavingReplacesTheFileOrRewritesIt) {

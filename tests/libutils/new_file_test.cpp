@@ -1,0 +1,154 @@
+#include "libutils/new_file.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+#include "libutils/ofsvector.h"
+#include "tests/support/fixtures.h"
+#include "tests/support/photo_maker.h"
+
+namespace fs = std::filesystem;
+using namespace libutils;
+using test_support::read_file;
+using test_support::temp_dir_t;
+using test_support::write_file;
+
+namespace {
+
+std::string text_of(const std::string& path) {
+    const auto bytes = read_file(path);
+    return {bytes.begin(), bytes.end()};
+}
+
+// From here on this process finds no file system that has files without a name.
+bool forbid_unnamed_files() {
+    constexpr uint32_t flags_argument = offsetof(seccomp_data, args) + 2 * sizeof(uint64_t);
+    sock_filter program[] = {
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3),
+        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flags_argument),
+        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, O_TMPFILE & ~O_DIRECTORY, 0, 1),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+    };
+    const sock_fprog filter{std::size(program), program};
+    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
+}
+
+// Runs the checks here and in a process without unnamed files; a failure there has been written.
+void on_every_file_system(void (*checks)()) {
+    checks();
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        if (!forbid_unnamed_files()) {
+            _exit(77);
+        }
+        checks();
+        _exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    if (WIFEXITED(status) && WEXITSTATUS(status) == 77) {
+        GTEST_SKIP() << "this system has no filters for system calls";
+    }
+    EXPECT_EQ(status, 0) << "without unnamed files";
+}
+
+TEST(NewFile, IsCompleteOrNotThere) {
+    on_every_file_system([] {
+        const temp_dir_t dir;
+        const std::string path = dir / "listed/p.jpg";
+        fs::create_directory(dir / "listed");
+        for (const std::string old : {"", "old"}) {
+            SCOPED_TRACE(old.empty() ? "absent" : "there");
+            const auto is_as_before = [&] {
+                return (old.empty() ? !fs::exists(path) : text_of(path) == old) &&
+                       std::distance(fs::directory_iterator(dir / "listed"), {}) == (old.empty() ? 0 : 1);
+            };
+            if (!old.empty()) {
+                write_file(path, old);
+                fs::create_hard_link(path, dir / "other name");
+            }
+            {
+                new_file_t file(path, staging_t::above);
+                ASSERT_TRUE(file.open() && file.write("half") && is_as_before());
+                EXPECT_EQ(text_of(file.current_path()), "half");
+            }
+            EXPECT_TRUE(is_as_before()) << "given up";
+            EXPECT_TRUE(write_file(path, staging_t::above, "whole"));
+            EXPECT_EQ(text_of(path), "whole");
+            EXPECT_EQ(old.empty() ? "" : text_of(dir / "other name"), old);
+            fs::remove(path);
+        }
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "something was left";
+
+        fs::create_directories(path + "/full");
+        EXPECT_FALSE(write_file(path, staging_t::above, "x") || replace_file(path, staging_t::above, "x"));
+        EXPECT_FALSE(write_file(dir / "missing/p", staging_t::beside, "x"));
+        EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "a failure left something";
+    });
+}
+
+TEST(NewFile, KeepsWhatTheUserArranged) {
+    on_every_file_system([] {
+        const temp_dir_t dir;
+        write_file(dir / "real", std::string("old"));
+        fs::permissions(dir / "real", fs::perms{0640});
+        fs::create_symlink("real", dir / "link");
+        new_file_t file(dir / "link", staging_t::beside);
+        ASSERT_TRUE(file.open_as_old() && file.write("new") && file.commit_to_disk());
+        EXPECT_TRUE(fs::is_symlink(dir / "link"));
+        EXPECT_EQ(text_of(dir / "real"), "new");
+        EXPECT_EQ(fs::status(dir / "real").permissions(), fs::perms{0640});
+    });
+}
+
+TEST(NewFile, LeftoversGoWhenTheirProgramIsGone) {
+    const temp_dir_t dir;
+    for (const char* name : {".taloram-new-1-1", ".taloram", ".other"}) {
+        write_file(dir / name, std::string("x"));
+    }
+    {
+        new_file_t running(dir / "page", staging_t::beside);
+        ASSERT_TRUE(running.open());
+        ASSERT_EQ(linkat(AT_FDCWD, running.current_path().c_str(), AT_FDCWD, (dir / ".taloram-new-2-1").c_str(),
+                         AT_SYMLINK_FOLLOW),
+                  0);
+        remove_leftovers(dir.path());
+        EXPECT_TRUE(fs::exists(dir / ".taloram-new-2-1")) << "still being written";
+    }
+    EXPECT_TRUE(!fs::exists(dir / ".taloram-new-1-1") && fs::exists(dir / ".taloram") && fs::exists(dir / ".other"));
+    remove_leftovers(dir.path());
+    EXPECT_FALSE(fs::exists(dir / ".taloram-new-2-1"));
+}
+
+TEST(MappedFiles, ShrinkWithoutEndingTheProgram) {
+    constexpr size_t page = 4096;
+    constexpr size_t whole = 3 * page + 100;
+    for (const size_t size : {size_t{0}, page, page + 1, whole - 1, whole}) {
+        SCOPED_TRACE(size);
+        const temp_dir_t dir;
+        write_file(dir / "file", std::string(whole, 'x'));
+        bytes_t bytes;
+        ASSERT_TRUE(bytes.load(0, (dir / "file").c_str(), PROT_READ_ONLY, 0, false, nullptr));
+        fs::resize_file(dir / "file", size);
+        const bytes_t shared = bytes;
+        EXPECT_EQ(std::count(bytes.begin(), bytes.end(), 'x'), size);
+        EXPECT_EQ(bytes.is_intact(), size == whole);
+        EXPECT_EQ(shared.is_intact(), size == whole);
+        ASSERT_TRUE(bytes.resize(page));
+        EXPECT_TRUE(bytes.is_intact()) << "a buffer of its own";
+    }
+}
+
+}  // namespace
