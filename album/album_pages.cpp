@@ -198,7 +198,7 @@ bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsign
     out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
         << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
     write_page_end(out);
-    const bool saved = out.save(path, libutils::staging_t::above);
+    const bool saved = out.save(path, libutils::staging_t::none);
     if (!saved) {
         libutils::report(path, ": write open error.");
     }

@@ -109,7 +109,7 @@ bool new_file_t::open_as_old() {
 
 // ".." is above where the directory really lies, also behind a symbolic link, and so on the same file system.
 std::string new_file_t::staging_directory() const {
-    return directory_of(path_) + (staging_ == staging_t::above ? "/.." : "");
+    return directory_of(path_) + (staging_ == staging_t::beside ? "" : "/..");
 }
 
 bool new_file_t::open_unnamed() {
@@ -162,6 +162,9 @@ bool new_file_t::link_to(const std::string& name) const {
 
 // link(2) never replaces a file, so it takes a name in between.
 bool new_file_t::replace_by_unnamed() {
+    if (staging_ == staging_t::none) {
+        return unlink(path_.c_str()) == 0 && link_to(path_);
+    }
     const std::string directory = staging_directory();
     do {
         temporary_ = next_temporary(directory);

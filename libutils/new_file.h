@@ -10,6 +10,8 @@ namespace libutils {
 enum class staging_t {
     beside,  // in the same directory
     above,   // in the directory above, because listings of the file's own directory show every name
+    none,    // as `above` where there must be one; else the old file goes a moment before the new one takes its name:
+             // for what can be made again, since file systems wait for the disk when a file is replaced by a rename
 };
 
 // A file that is complete under its name or not there at all: whoever looks at the name, also after the program was
