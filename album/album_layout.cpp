@@ -1,7 +1,5 @@
 #include "album/album_layout.h"
 
-#include <unistd.h>
-
 #include <algorithm>
 #include <string_view>
 
@@ -55,8 +53,15 @@ std::string text_path(const std::string& album, const std::string& name) {
     return entry_path(entry_path(album, layout::text), name);
 }
 
-std::string incomplete_path(const std::string& album) {
-    return entry_path(album, ".taloram-copy-" + std::to_string(getpid()));
+const char* directory_of_kind(const std::string& filename) {
+    if (is_photo(filename)) {
+        return layout::original;
+    }
+    return is_movie(filename) ? layout::movie : layout::text;
+}
+
+std::string zoom_page_name(const std::string& photo, unsigned long level) {
+    return libutils::basename(photo) + "_" + std::to_string(level) + ".html";
 }
 
 std::string level_name(unsigned long level) {

@@ -61,8 +61,11 @@ constexpr unsigned long highest_top_level = 16;
 [[nodiscard]] std::string thumb_path(const std::string& album, const std::string& name);
 [[nodiscard]] std::string text_path(const std::string& album, const std::string& name);
 
-// Where a file lies until it is complete: beside the directories that listings read.
-[[nodiscard]] std::string incomplete_path(const std::string& album);
+// The directory of an album, as a name, that a file is imported into by its kind.
+[[nodiscard]] const char* directory_of_kind(const std::string& filename);
+
+// The page in html/ of a photograph's level `level`. Photographs whose names differ in the extension share it.
+[[nodiscard]] std::string zoom_page_name(const std::string& photo, unsigned long level);
 
 // "size" and the level in decimal.
 [[nodiscard]] std::string level_name(unsigned long level);

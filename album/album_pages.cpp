@@ -47,7 +47,7 @@ page_photo_t describe_photo(const std::string& album, const std::string& name) {
     page_photo_t photo{name, getshrinklevel(album, name), {}, {}};
     photo.sizes = level_directories("", photo.level);
     for (unsigned long k = 1; k <= photo.level; ++k) {
-        photo.zooms.push_back(libutils::basename(name) + "_" + std::to_string(k) + ".html");
+        photo.zooms.push_back(zoom_page_name(name, k));
     }
     return photo;
 }

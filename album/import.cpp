@@ -1,19 +1,27 @@
 #include "album/import.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iostream>
+#include <set>
 
 #include "album/album_pages.h"
+#include "album/checksum.h"
 #include "album/engine_step.h"
+#include "album/import_file.h"
+#include "album/manifest.h"
+#include "album/orphans.h"
 #include "album/reduced_sizes.h"
+#include "album/verification.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/file_copy.h"
+#include "libutils/new_file.h"
 #include "libutils/path.h"
 #include "talolib/option.h"
 
@@ -21,61 +29,201 @@ namespace taloram {
 
 namespace {
 
-const char* destination_directory(const std::string& filename) {
-    if (is_photo(filename)) {
-        return layout::original;
-    }
-    return is_movie(filename) ? layout::movie : layout::text;
-}
-
 bool copy_failed(const std::string& destination) {
     libutils::report(destination, ": file copy failed.");
     return false;
 }
 
-bool remove_if_exists(const std::string& path) {
-    return unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
-}
-
 // The sizes of an earlier import are younger than any photograph, so that they would look up to date.
-bool remove_reduced_sizes(const std::string& album, const std::string& name) {
-    bool removed = true;
-    for (const std::string& directory : level_directories(album, highest_top_level)) {
-        removed = remove_if_exists(entry_path(directory, name)) && removed;
-    }
-    return removed;
-}
-
 bool make_way(const std::string& album, const std::string& name) {
     return !is_photo(name) || remove_reduced_sizes(album, name);
 }
 
+bool has_date_of(const std::string& path, const std::string& source) {
+    struct stat status {};
+    struct stat source_status {};
+    return stat(path.c_str(), &status) == 0 && stat(source.c_str(), &source_status) == 0 &&
+           status.st_mtim.tv_sec == source_status.st_mtim.tv_sec && status.st_mtim.tv_nsec == 0;
+}
+
+// A copy from an earlier import. Where its date can't be set it belongs to somebody else and has to be replaced.
+bool keep_same_copy(const import_file_t& file, const std::string& album, const std::string& name) {
+    return has_same_copy(file) &&
+           (has_date_of(file.destination, file.source) ||
+            libutils::copydate(file.source.c_str(), file.destination.c_str())) &&
+           make_way(album, name);
+}
+
 // The copy takes the place of the destination in one step: the name never stands for a half-written file, and another
 // name of the old file keeps the old contents.
-bool replace_with_copy(const std::string& source, const std::string& destination, const std::string& album,
-                       const std::string& name) {
-    const std::string copy = incomplete_path(album);
-    const bool replaced = remove_if_exists(copy) && libutils::filecopy(source.c_str(), copy.c_str()) &&
-                          libutils::same_contents(source.c_str(), copy.c_str()) && make_way(album, name) &&
-                          std::rename(copy.c_str(), destination.c_str()) == 0;
-    if (!replaced) {
-        unlink(copy.c_str());
-    }
-    return replaced;
+bool replace_with_copy(const import_file_t& file, const std::string& album, const std::string& name) {
+    libutils::new_file_t copy(file.destination, libutils::staging_t::above);
+    return copy.open() && libutils::filecopy(file.source.c_str(), copy.current_path().c_str()) &&
+           libutils::same_contents(file.source.c_str(), copy.current_path().c_str()) && make_way(album, name) &&
+           copy.commit();
 }
 
 bool copy_file(const std::string& srcdir, const std::string& name, const std::string& album) {
-    const std::string directory = entry_path(album, destination_directory(name));
-    const std::string source = srcdir + "/" + name;
-    const std::string destination = entry_path(directory, name);
+    const import_file_t file = locate_import(srcdir, name, album);
     if (!is_plain_name(name)) {
-        return copy_failed(destination);
+        return copy_failed(file.destination);
     }
-    // An album's own file is the only copy there is: it stays where it is.
-    const bool in_place = libutils::is_same_file(srcdir + "/", directory);
-    const bool copied =
-        in_place ? is_exist(source) && make_way(album, name) : replace_with_copy(source, destination, album, name);
-    return copied || copy_failed(destination);
+    const bool copied = file.in_place ? is_exist(file.source) && make_way(album, name)
+                                      : keep_same_copy(file, album, name) || replace_with_copy(file, album, name);
+    return copied || copy_failed(file.destination);
+}
+
+bool copy_files(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                progress_t& progress, const failed_file_t& failed) {
+    libutils::mkdir(entry_path(album, layout::original).c_str());
+    if (std::any_of(files.begin(), files.end(), [](const files_t& file) { return is_movie(file.filename); })) {
+        libutils::mkdir(entry_path(album, layout::movie).c_str());
+    }
+    for (size_t i = 0; i < files.size(); ++i) {
+        talolib::trace(std::cout, files[i].filename);
+        if (!copy_file(srcdir, files[i].filename, album) && !failed(files[i])) {
+            return false;
+        }
+        emit_progress(progress, i, files.size());
+    }
+    return true;
+}
+
+// One import, step by step. Files that fail on the way drop out of the list.
+class import_t {
+  public:
+    import_t(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+             const import_options_t& options)
+        : srcdir_(srcdir), album_(album), options_(options), files_(files) {}
+
+    [[nodiscard]] bool load_manifest() { return manifest_.load(album_); }
+    [[nodiscard]] bool copy(progress_t& progress);
+    [[nodiscard]] bool verify(progress_t& progress);
+    [[nodiscard]] bool make_sizes(progress_t& progress);
+
+    [[nodiscard]] const std::vector<std::string>& left_out() const { return left_out_; }
+
+  private:
+    [[nodiscard]] bool note_sums(progress_t& progress, bool from_disk);
+    [[nodiscard]] bool note_sum(const std::string& name, bool from_disk);
+    [[nodiscard]] bool remove_failed();
+    [[nodiscard]] bool remove_original(const std::string& name);
+    void drop_failed();
+
+    // True when the step is to go on with the other files.
+    [[nodiscard]] bool collect(const files_t& file) {
+        failed_.push_back(file.filename);
+        return options_.keep_going;
+    }
+    [[nodiscard]] failed_file_t collector() {
+        return [this](const files_t& file) { return collect(file); };
+    }
+
+    std::string srcdir_;
+    std::string album_;
+    import_options_t options_;
+    std::vector<files_t> files_;         // those that did not fail so far
+    std::vector<std::string> failed_;    // in this step
+    std::vector<std::string> left_out_;  // in earlier steps
+    manifest_t manifest_;
+};
+
+bool import_t::copy(progress_t& progress) {
+    const std::string originals = entry_path(album_, layout::original);
+    if (options_.keep_going && !libutils::mkdir(originals.c_str())) {
+        libutils::report(originals, ": mkdir failed, ", std::strerror(errno));
+        return false;
+    }
+    const bool copied = copy_files(srcdir_, files_, album_, progress, collector());
+    if (!copied) {
+        // What was copied stays, and a sum of what it replaced would call it changed.
+        files_.erase(std::find_if(files_.begin(), files_.end(),
+                                  [this](const files_t& file) { return file.filename == failed_.front(); }),
+                     files_.end());
+        progress_t unseen;
+        static_cast<void>(manifest_.is_kept() && note_sums(unseen, false));
+        return false;
+    }
+    drop_failed();
+    return true;
+}
+
+bool import_t::verify(progress_t& progress) {
+    if (!options_.verify && !manifest_.is_kept()) {
+        return true;
+    }
+    return note_sums(progress, options_.verify) && remove_failed();
+}
+
+bool import_t::make_sizes(progress_t& progress) {
+    return shrink(album_, files_, progress, collector()) && remove_failed();
+}
+
+bool import_t::note_sums(progress_t& progress, bool from_disk) {
+    bool good = true;
+    for (size_t i = 0; good && i < files_.size(); ++i) {
+        good = note_sum(files_[i].filename, from_disk) || collect(files_[i]);
+        if (good) {
+            emit_progress(progress, i, files_.size());
+        }
+    }
+    const bool flushed = !from_disk || flush_album_names(album_);
+    return manifest_.save(album_) && flushed && good;
+}
+
+bool import_t::note_sum(const std::string& name, bool from_disk) {
+    const import_file_t file = locate_import(srcdir_, name, album_);
+    const bool is_listed = is_photo(name) || is_movie(name);
+    if (!from_disk && !is_listed) {
+        return true;
+    }
+    std::string sum;
+    if (from_disk ? !verify_copy(sum, file, manifest_)
+                  : !sha256_of_file(sum, file.destination, read_from_t::anywhere)) {
+        return copy_failed(file.destination);
+    }
+    // Of the album's own file the first sum counts: it is what tells that the file changed.
+    if (is_listed && !(file.in_place && manifest_.sum_of(file.path_in_album))) {
+        manifest_.set(file.path_in_album, sum);
+    }
+    return true;
+}
+
+// Takes what failed behind the copy stage out of the album.
+bool import_t::remove_failed() {
+    if (failed_.empty()) {
+        return true;
+    }
+    bool removed = true;
+    for (const std::string& name : failed_) {
+        removed = (!is_photo(name) || remove_traces(album_, name)) && removed;
+        removed = remove_original(name) && removed;
+    }
+    remove_empty_levels(album_);
+    drop_failed();
+    return (!manifest_.is_kept() || manifest_.save(album_)) && removed;
+}
+
+bool import_t::remove_original(const std::string& name) {
+    const import_file_t file = locate_import(srcdir_, name, album_);
+    if (file.in_place) {
+        return true;
+    }
+    manifest_.remove(file.path_in_album);
+    std::string sum;
+    if (libutils::is_same_file(file.source, file.destination) ||
+        !sha256_of_file(sum, file.source, read_from_t::anywhere)) {
+        libutils::report(file.destination, ": stays, because its source can't be read any more.");
+        return true;
+    }
+    return remove_file(file.destination);
+}
+
+void import_t::drop_failed() {
+    const std::set<std::string> failed(failed_.begin(), failed_.end());
+    std::erase_if(files_, [&](const files_t& file) { return failed.count(file.filename) != 0; });
+    left_out_.insert(left_out_.end(), failed_.begin(), failed_.end());
+    failed_.clear();
 }
 
 }  // namespace
@@ -83,26 +231,32 @@ bool copy_file(const std::string& srcdir, const std::string& name, const std::st
 bool makealbumwithrotate(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                          progress_t& copyprogress, progress_t& shrinkprogress, progress_t& htmlprogress,
                          progress_t& zoomprogress) {
-    return names_an_album(album) && step_done(copyfiles(srcdir, files, album, copyprogress), "copyfiles") &&
-           step_done(shrink(album, files, shrinkprogress), "shrink") &&
-           step_done(makehtml(album, htmlprogress), "makehtml") &&
-           step_done(makehtmlzoom(album, zoomprogress), "makehtmlzoom");
+    progress_t unseen;
+    std::vector<std::string> left_out;
+    return import_album(srcdir, files, album, {}, {copyprogress, unseen, shrinkprogress, htmlprogress, zoomprogress},
+                        left_out);
+}
+
+bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                  const import_options_t& options, const import_progress_t& progress,
+                  std::vector<std::string>& left_out) {
+    if (!names_an_album(album)) {
+        return false;
+    }
+    libutils::remove_leftovers(album);
+    import_t import(srcdir, files, album, options);
+    const bool made = import.load_manifest() && step_done(import.copy(progress.copy), "copyfiles") &&
+                      step_done(import.verify(progress.verify), "verify") &&
+                      step_done(import.make_sizes(progress.sizes), "shrink") &&
+                      step_done(makehtml(album, progress.pages), "makehtml") &&
+                      step_done(makehtmlzoom(album, progress.zoom_pages), "makehtmlzoom");
+    left_out = import.left_out();
+    return made;
 }
 
 bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                progress_t& progress) {
-    libutils::mkdir(entry_path(album, layout::original).c_str());
-    if (std::any_of(files.begin(), files.end(), [](const files_t& file) { return is_movie(file.filename); })) {
-        libutils::mkdir(entry_path(album, layout::movie).c_str());
-    }
-    for (size_t i = 0; i < files.size(); ++i) {
-        talolib::trace(std::cout, files[i].filename);
-        if (!copy_file(srcdir, files[i].filename, album)) {
-            return false;
-        }
-        emit_progress(progress, i, files.size());
-    }
-    return true;
+    return copy_files(srcdir, files, album, progress, [](const files_t&) { return false; });
 }
 
 bool hardlinkone(const std::string& from, const std::string& to) {

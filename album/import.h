@@ -11,9 +11,36 @@ namespace taloram {
                                        const std::string& album, progress_t& copyprogress, progress_t& shrinkprogress,
                                        progress_t& htmlprogress, progress_t& zoomprogress);
 
+struct import_options_t {
+    // Each copy is brought to the disk, read back from there and compared with its source; the album gets SHA256SUMS.
+    bool verify = false;
+    // A file that fails is left out of the album and the others are finished.
+    bool keep_going = false;
+};
+
+struct import_progress_t {
+    progress_t& copy;
+    progress_t& verify;
+    progress_t& sizes;
+    progress_t& pages;
+    progress_t& zoom_pages;
+};
+
+// The same with options. The steps are traced as above, that of the comparison by "verify() failed.". An album that has
+// SHA256SUMS keeps it, whether the import verifies or not.
+//
+// With keep_going `left_out` gets the names of the files that failed, and the result is true when nothing else did: of
+// a photograph that was left out the album has no original, no size, no thumbnail and no zoom page. But what can't be
+// copied replaces nothing and leaves an older file with its sizes as it was; and an original stays that is the album's
+// own or whose source can't be read any more, because it may be the only copy.
+[[nodiscard]] bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                                const import_options_t& options, const import_progress_t& progress,
+                                std::vector<std::string>& left_out);
+
 // Copies the listed files: photographs into original/, movies into movie/, all others into txt/, which must exist. A
-// file takes its final name only when all its bytes were compared with the source. The reduced sizes of a photograph
-// that the album already has are removed. Stops at the first failure.
+// file takes its final name only when all its bytes were compared with the source; one that the album has with the same
+// contents stays and takes the source's date. The reduced sizes of a photograph that the album already has are removed.
+// Stops at the first failure.
 [[nodiscard]] bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                              progress_t& progress);
 

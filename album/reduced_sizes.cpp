@@ -179,6 +179,13 @@ unsigned long listed_level(const std::string& album, const std::string& filename
     return is_photo(filename) ? getshrinklevel(album, filename) : 0;
 }
 
+// Anything that may stand in an import list.
+bool shrink_file(const std::string& album, const files_t& file) {
+    const unsigned long level = listed_level(album, file.filename);
+    const std::vector<std::string> dirs = make_level_directories(album, level);
+    return !is_photo(file.filename) || shrinkone(dirs, album, file.filename, level, file.rightrotatecount);
+}
+
 }  // namespace
 
 unsigned long getshrinklevel(const std::string& album, const std::string& name) {
@@ -213,12 +220,14 @@ bool need_update(const std::string& source, const std::string& target) {
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress) {
+    return shrink(album, files, progress, [](const files_t&) { return false; });
+}
+
+bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
+            const failed_file_t& failed) {
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
     for (size_t i = 0; i < files.size(); ++i) {
-        const std::string& name = files[i].filename;
-        const unsigned long level = listed_level(album, name);
-        const std::vector<std::string> dirs = make_level_directories(album, level);
-        if (is_photo(name) && !shrinkone(dirs, album, name, level, files[i].rightrotatecount)) {
+        if (!shrink_file(album, files[i]) && !failed(files[i])) {
             return false;
         }
         emit_progress(progress, i, files.size());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <list>
 
 #include "album/album_layout.h"
@@ -17,8 +18,14 @@ namespace taloram {
 // True when `source` exists and `target` is missing or older, compared in nanoseconds.
 [[nodiscard]] bool need_update(const std::string& source, const std::string& target);
 
-// Makes all levels and the thumbnail of every listed photograph; other files only count for progress.
+// Gets a file that failed, after its lines; true when the others are to be worked on all the same.
+using failed_file_t = std::function<bool(const files_t& file)>;
+
+// Makes all levels and the thumbnail of every listed photograph; other files only count for progress. Ends at the first
+// photograph that fails, or where `failed` says so.
 [[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress);
+[[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
+                          const failed_file_t& failed);
 
 // The same, redoing only what is missing, out of date or to be turned. thumb/ must exist.
 [[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress);

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+namespace taloram {
+
+enum class read_from_t {
+    anywhere,
+    disk,  // what the system still keeps of the file in memory is dropped before
+};
+
+// `sum` = the SHA-256 (FIPS 180-4) of a regular file in lower-case hexadecimal, as sha256sum(1) writes it. The file is
+// read in blocks. False, with errno set and without a message, when it can't be read to its end.
+[[nodiscard]] bool sha256_of_file(std::string& sum, const std::string& path, read_from_t from);
+
+// Waits until a file, or the names in a directory, are on the disk. False, with errno set, when that can't be known.
+[[nodiscard]] bool flush_to_disk(const std::string& path);
+
+}  // namespace taloram

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <map>
+#include <optional>
+#include <string>
+
+namespace taloram {
+
+// SHA256SUMS of an album: the sums of its originals and movies as they were imported, in the form that `sha256sum -c`
+// reads in the album's directory. A line is the sum, two blanks, the path in the album; in a path "\", LF and CR are
+// written "\\", "\n" and "\r", and a line with one of them begins with "\" (GNU coreutils, "md5sum invocation").
+class manifest_t {
+  public:
+    static constexpr const char* name = "SHA256SUMS";
+
+    // The sums that the album has. True without a file too. False, after a report, when there is one that can't be read
+    // or that is none: it is not to be written over then.
+    [[nodiscard]] bool load(const std::string& album);
+
+    // Puts the file in place, complete and on the disk, unless it is there and no sum was changed; reports a failure.
+    [[nodiscard]] bool save(const std::string& album);
+
+    // True when the album had a file or has one by now.
+    [[nodiscard]] bool is_kept() const { return is_kept_; }
+
+    void set(const std::string& path, const std::string& sum);
+    void remove(const std::string& path);
+    [[nodiscard]] std::optional<std::string> sum_of(const std::string& path) const;
+
+    // By path, in the order of bytes.
+    [[nodiscard]] const std::map<std::string, std::string>& sums() const { return sums_; }
+
+  private:
+    [[nodiscard]] bool parse_line(const std::string& line);
+
+    std::map<std::string, std::string> sums_;
+    bool is_kept_ = false;
+    bool is_changed_ = false;
+};
+
+}  // namespace taloram

@@ -1,0 +1,100 @@
+#include "album/verification.h"
+
+#include <cerrno>
+#include <cstring>
+#include <list>
+
+#include "album/album_layout.h"
+#include "album/checksum.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+
+namespace taloram {
+
+namespace {
+
+// What is wrong with a file; "" when nothing is.
+std::string compare_with_sum(const std::string& path, const std::string& expected) {
+    std::string sum;
+    if (sha256_of_file(sum, path, read_from_t::disk)) {
+        return sum == expected ? "" : "changed.";
+    }
+    if (errno == ENOENT || errno == ENOTDIR) {
+        return "missing.";
+    }
+    return libutils::join_text("changed, can't be read, ", std::strerror(errno));
+}
+
+// Files of one kind that have no sum; `none_found` becomes false when there are any. False, after a report, when the
+// directory can't be listed.
+bool find_unlisted(const std::string& album, const char* kind, const manifest_t& manifest, const finding_t& found,
+                   bool& none_found) {
+    const std::string directory = entry_path(album, kind);
+    std::list<std::string> names;
+    if (!libutils::getfiles(names, directory.c_str())) {
+        if (!is_exist(directory)) {
+            return true;
+        }
+        libutils::report(directory, ": getfiles failed.");
+        return false;
+    }
+    for (const std::string& name : names) {
+        if ((is_photo(name) || is_movie(name)) && !manifest.sum_of(entry_path(kind, name))) {
+            found(entry_path(directory, name), libutils::join_text("not in ", manifest_t::name, "."));
+            none_found = false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest) {
+    if (!flush_to_disk(file.destination) || !sha256_of_file(sum, file.destination, read_from_t::disk)) {
+        return false;
+    }
+    if (file.in_place) {
+        return manifest.sum_of(file.path_in_album).value_or(sum) == sum;
+    }
+    std::string expected;
+    return sha256_of_file(expected, file.source, read_from_t::anywhere) && expected == sum;
+}
+
+bool flush_album_names(const std::string& album) {
+    for (const char* name : {layout::original, layout::movie, layout::text, ".", ".."}) {
+        const std::string directory = entry_path(album, name);
+        if (!flush_to_disk(directory) && errno != ENOENT) {
+            libutils::report(directory, ": can't be brought to the disk, ", std::strerror(errno));
+            return false;
+        }
+    }
+    return true;
+}
+
+bool verify_album(const std::string& album, const finding_t& found, size_t& count) {
+    manifest_t manifest;
+    if (!manifest.load(album)) {
+        return false;
+    }
+    if (!manifest.is_kept()) {
+        libutils::report(album, ": has no ", manifest_t::name, ".");
+        return false;
+    }
+    bool good = true;
+    for (const auto& [path, sum] : manifest.sums()) {
+        const std::string file = entry_path(album, path);
+        const std::string wrong = compare_with_sum(file, sum);
+        if (!wrong.empty()) {
+            found(file, wrong);
+            good = false;
+        }
+    }
+    count = manifest.sums().size();
+    for (const char* kind : {layout::original, layout::movie}) {
+        good = find_unlisted(album, kind, manifest, found, good) && good;
+    }
+    return good;
+}
+
+}  // namespace taloram
