@@ -1,8 +1,13 @@
 #pragma once
 
 #include "album/album_layout.h"
+#include "album/orphans.h"
 
 namespace taloram {
+
+struct update_options_t {
+    orphans_t orphans = orphans_t::keep;
+};
 
 // Brings an existing album up to date: the reduced sizes of the listed photographs, then the pages. `copyprogress` is
 // never emitted.
@@ -14,5 +19,9 @@ namespace taloram {
 // not keep the other albums from being updated; the result is true when nothing failed.
 [[nodiscard]] bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,
                                progress_t& htmlprogress, progress_t& zoomprogress);
+
+// The same; what is left of photographs whose original is gone is treated before an album's pages are written.
+[[nodiscard]] bool batchupdate(const std::string& path, const update_options_t& options, progress_t& copyprogress,
+                               progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
 
 }  // namespace taloram

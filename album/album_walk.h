@@ -1,0 +1,25 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace taloram {
+
+// What is done with the albums and books of a directory; each returns whether it succeeded.
+struct album_visitor_t {
+    std::function<bool(const std::string& album)> album;
+    std::function<bool(const std::string& book)> book;  // after the albums below it
+};
+
+// What became of a directory and all below it.
+struct walk_outcome_t {
+    bool succeeded = true;  // nothing failed
+    bool has_album = false;
+};
+
+// Visits an album, or every album below a book, to any depth, in the order of names; a failure does not keep the others
+// from being visited. The named directory is a book when it is no album; one below it counts as a book when it has txt/
+// or an album below it. A directory that can't be listed is reported and is a failure.
+walk_outcome_t visit_albums(const std::string& path, const album_visitor_t& visitor);
+
+}  // namespace taloram
