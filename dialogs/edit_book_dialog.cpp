@@ -11,6 +11,7 @@
 #include "album/book_index.h"
 #include "album/comment_store.h"
 #include "album/import.h"
+#include "album/import_check.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/make_album_dialog.h"
 #include "dialogs/make_book_dialog.h"
@@ -282,6 +283,10 @@ void EditBookDialog::make_book() {
 void EditBookDialog::make_album() {
     album_order_t order;
     if (!order_album(order)) {
+        return;
+    }
+    if (!has_room(order.source, order.files, order.album)) {
+        show_error(*this, msg_album_failed);
         return;
     }
     libutils::mkdir(order.album.c_str());
