@@ -1,6 +1,7 @@
 #include <gtk/gtk.h>
 #include <gtkmm/main.h>
 
+#include <csignal>
 #include <cstdlib>
 
 #include "app/command_line.h"
@@ -23,6 +24,8 @@ bool open_display(int& argc, char**& argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    std::signal(SIGXFSZ,
+                SIG_IGN);  // a file that grew too large is a failed write, not the end in the middle of an import
     // The command line is looked at without a display, so that help is to be had everywhere.
     gtk_parse_args(&argc, &argv);
     if (argc < 1 || taloram::parse_command_line(argc, argv).wants_usage) {

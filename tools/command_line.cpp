@@ -150,6 +150,10 @@ CLI::App* define_album(CLI::App& app, album_command_t& command) {
             "turn a photograph clockwise by 90, 180 or 270 degrees; repeatable")
         ->type_name("NAME=ANGLE")
         ->allow_extra_args(false);
+    add_flag(*album, "--verify", command.verify,
+             "read every copy back from the disk, compare it with its source and note its SHA-256 in SHA256SUMS");
+    add_flag(*album, "--replace", command.replace, "replace files of the album that have other contents");
+    add_flag(*album, "--keep-going", command.keep_going, "leave out what fails and finish the others");
     define_run_options(*album, command.run);
     return album;
 }
@@ -159,8 +163,18 @@ CLI::App* define_update(CLI::App& app, update_command_t& command) {
     update->add_option("dir", command.directories, "an album, or a book with all albums below it")
         ->required()
         ->type_name("");
+    add_flag(*update, "--prune", command.prune,
+             "remove sizes, thumbnails and zoom pages of photographs that are no longer in original/");
     define_run_options(*update, command.run);
     return update;
+}
+
+CLI::App* define_verify(CLI::App& app, verify_command_t& command) {
+    CLI::App* const verify = app.add_subcommand("verify", "Compare originals and movies with their SHA256SUMS");
+    verify->add_option("dir", command.directories, "an album, or a book with all albums below it")
+        ->required()
+        ->type_name("");
+    return verify;
 }
 
 CLI::App* define_book(CLI::App& app, book_command_t& command) {
@@ -198,11 +212,13 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
 
     album_command_t album;
     update_command_t update;
+    verify_command_t verify;
     book_command_t book;
     turn_command_t turn;
     exif_command_t exif;
     const CLI::App* const album_app = define_album(app, album);
     const CLI::App* const update_app = define_update(app, update);
+    const CLI::App* const verify_app = define_verify(app, verify);
     const CLI::App* const book_app = define_book(app, book);
     const CLI::App* const turn_app = define_turn(app, turn);
     define_exif(app, exif);
@@ -236,6 +252,10 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     if (update_app->parsed()) {
         update.directories = plain(update.directories);
         return update;
+    }
+    if (verify_app->parsed()) {
+        verify.directories = plain(verify.directories);
+        return verify;
     }
     if (book_app->parsed()) {
         book.directories = plain(book.directories);

@@ -36,12 +36,20 @@ struct album_command_t {
     std::optional<std::string> head_file;
     std::optional<std::string> last_file;
     std::vector<rotation_t> rotations;
+    bool verify = false;
+    bool replace = false;  // files of the album that differ
+    bool keep_going = false;
     run_options_t run;
 };
 
 struct update_command_t {
     std::vector<std::string> directories;
+    bool prune = false;
     run_options_t run;
+};
+
+struct verify_command_t {
+    std::vector<std::string> directories;
 };
 
 struct book_command_t {
@@ -59,7 +67,8 @@ struct exif_command_t {
     std::vector<std::string> photos;
 };
 
-using command_t = std::variant<album_command_t, update_command_t, book_command_t, turn_command_t, exif_command_t>;
+using command_t =
+    std::variant<album_command_t, update_command_t, verify_command_t, book_command_t, turn_command_t, exif_command_t>;
 
 // The command to run. Empty when there is none: `status` is then what the program ends with, after help or the version
 // went to standard output or one line about wrong use to standard error.

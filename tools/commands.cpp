@@ -8,12 +8,15 @@
 
 #include "album/album_pages.h"
 #include "album/album_update.h"
+#include "album/album_walk.h"
 #include "album/book_index.h"
 #include "album/comment_store.h"
 #include "album/engine_step.h"
 #include "album/exif_summary.h"
 #include "album/import.h"
+#include "album/import_check.h"
 #include "album/reduced_sizes.h"
+#include "album/verification.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "settings/settings.h"
@@ -52,17 +55,19 @@ void start_up(const char* program, const run_options_t& options = {}) {
     initexif(directory.c_str(), program_name);
 }
 
-// The engine's four signals, connected to a progress line.
+// The engine's signals, connected to a progress line.
 class shown_progress_t {
   public:
     explicit shown_progress_t(progress_mode_t mode) : line_(mode) {
         connect(copy, stage_t::copy);
+        connect(verify, stage_t::verify);
         connect(sizes, stage_t::sizes);
         connect(pages, stage_t::pages);
         connect(zoom_pages, stage_t::zoom_pages);
     }
 
     progress_t copy;
+    progress_t verify;
     progress_t sizes;
     progress_t pages;
     progress_t zoom_pages;
@@ -89,7 +94,30 @@ bool save_comments(const album_command_t& command, const album_job_t& job) {
                      "savecommenttxt");
 }
 
-bool make_album(const album_command_t& command, const album_job_t& job) {
+// A line for each file of the album that the import would replace by another one.
+bool replaces_nothing(const album_job_t& job) {
+    const std::vector<std::string> conflicts = find_conflicts(job.from, job.files, job.album);
+    for (const std::string& path : conflicts) {
+        libutils::report(one_line(path), ": there already, with other contents.");
+    }
+    if (!conflicts.empty()) {
+        libutils::report("talomake: nothing was imported. Files that differ: ", conflicts.size(),
+                         "; --replace replaces them.");
+    }
+    return conflicts.empty();
+}
+
+void report_failed(const album_job_t& job, const std::vector<std::string>& left_out) {
+    std::string names;
+    for (const std::string& name : left_out) {
+        names += (names.empty() ? "" : ", ") + name;
+    }
+    if (!left_out.empty()) {
+        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(), " files failed: ", one_line(names));
+    }
+}
+
+bool make_album(const album_command_t& command, const album_job_t& job, std::vector<std::string>& left_out) {
     if (!libutils::mkdir(job.album.c_str())) {
         libutils::report(job.album, ": mkdir failed, ", std::strerror(errno));
         return false;
@@ -98,8 +126,9 @@ bool make_album(const album_command_t& command, const album_job_t& job) {
         return false;
     }
     shown_progress_t progress(command.run.progress);
-    return makealbumwithrotate(job.from, job.files, job.album, progress.copy, progress.sizes, progress.pages,
-                               progress.zoom_pages);
+    return import_album(job.from, job.files, job.album, {command.verify, command.keep_going},
+                        {progress.copy, progress.verify, progress.sizes, progress.pages, progress.zoom_pages},
+                        left_out);
 }
 
 // The index page of the book that the album is in, if it is in one.
@@ -107,6 +136,19 @@ bool rewrite_book(const std::string& album) {
     const std::string parent = parent_directory(album);
     const bool is_book = libutils::is_directory(entry_path(parent, layout::text)) && !is_album(parent);
     return !is_book || step_done(makehtmlbook(parent), "makehtmlbook");
+}
+
+bool verify_one_album(const std::string& album) {
+    size_t count = 0;
+    const auto report_finding = [](const std::string& path, const std::string& what) {
+        libutils::report(one_line(path), ": ", what);
+    };
+    const bool good = verify_album(album, report_finding, count);
+    if (good) {
+        std::cout << libutils::join_text(one_line(album), ": ", count, count == 1 ? " file" : " files",
+                                         " as imported.\n");
+    }
+    return good;
 }
 
 class runner_t {
@@ -119,11 +161,16 @@ class runner_t {
             return status_wrong_use;
         }
         start_up(program_, command.run);
-        if (!make_album(command, job) || !rewrite_book(job.album)) {
+        if ((!command.replace && !replaces_nothing(job)) || !has_room(job.from, job.files, job.album)) {
             return status_failed;
         }
-        std::cout << job.album << "/index.html\n";
-        return status_done;
+        std::vector<std::string> left_out;
+        const bool good = make_album(command, job, left_out) && rewrite_book(job.album);
+        if (good) {
+            std::cout << job.album << "/index.html\n" << std::flush;
+        }
+        report_failed(job, left_out);
+        return good && left_out.empty() ? status_done : status_failed;
     }
 
     int operator()(const update_command_t& command) const {
@@ -135,7 +182,27 @@ class runner_t {
         shown_progress_t progress(command.run.progress);
         bool good = true;
         for (const std::string& directory : directories) {
-            good = batchupdate(directory, progress.copy, progress.sizes, progress.pages, progress.zoom_pages) && good;
+            good = batchupdate(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.copy,
+                               progress.sizes, progress.pages, progress.zoom_pages) &&
+                   good;
+        }
+        return good ? status_done : status_failed;
+    }
+
+    int operator()(const verify_command_t& command) const {
+        std::vector<std::string> directories;
+        if (!check_directories(command.directories, directories)) {
+            return status_wrong_use;
+        }
+        start_up(program_);
+        bool good = true;
+        for (const std::string& directory : directories) {
+            const walk_outcome_t outcome =
+                visit_albums(directory, {verify_one_album, [](const std::string& /*book*/) { return true; }});
+            if (!outcome.has_album) {
+                libutils::report(directory, ": has no album.");
+            }
+            good = outcome.succeeded && outcome.has_album && good;
         }
         return good ? status_done : status_failed;
     }

@@ -14,7 +14,8 @@ namespace talomake {
 
 namespace {
 
-constexpr const char* stage_names[] = {"Copying", "Making sizes", "Writing pages", "Writing zoom pages"};
+constexpr const char* stage_names[] = {"Copying", "Checking copies", "Making sizes", "Writing pages",
+                                       "Writing zoom pages"};
 constexpr size_t name_columns = 19;
 constexpr size_t usual_columns = 80;  // where the terminal does not tell
 constexpr size_t longest_bar = 40;

@@ -11,7 +11,7 @@
 
 namespace talomake {
 
-enum class stage_t { copy, sizes, pages, zoom_pages };
+enum class stage_t { copy, verify, sizes, pages, zoom_pages };
 
 // Shows on standard error how far a run is: one line a stage, drawn over itself and left standing when the stage is
 // done. While it lives it stands behind std::cerr and std::cout, so that no text is ever mixed into the line: the line

@@ -40,6 +40,7 @@ int run(int argc, const char* const* argv) {
 
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write, not the end in the middle of an import
+    std::signal(SIGXFSZ, SIG_IGN);  // so is a file that grew too large
     hold_standard_descriptors();
     int status = run(argc, argv);
     if (!std::cout.flush() && status == talomake::status_done) {
