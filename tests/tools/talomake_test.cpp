@@ -65,6 +65,7 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         "album card new --rotate a.jpg=90 --rotate a.jpg=180;album card new --shrink-size 0,768;"
         "album card new --shrink-size 1024;album card new --shrink-size 1024x768;album card new --shrink-size -1,5;"
         "album card new --quality 101;album card new --quality '';album card new --progress often;"
+        "verify;verify none;verify card --prune;album card new --verify=1;"
         "album card new --title 'two\nlines';album card new --head none;album card new --last card");
     for (std::string use; std::getline(uses, use, ';');) {
         SCOPED_TRACE(use);
@@ -74,7 +75,7 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         EXPECT_THAT(result.err, MatchesRegex("talomake: [^\n]+\n"));
         EXPECT_EQ(run(state).out, before);
     }
-    for (const std::string command : {"", "album ", "update ", "book ", "turn ", "exif "}) {
+    for (const std::string command : {"", "album ", "update ", "verify ", "book ", "turn ", "exif "}) {
         EXPECT_THAT(run("talomake " + command + "--help").out, HasSubstr("talomake " + command + "[OPTIONS] "));
     }
 }
@@ -152,6 +153,52 @@ TEST_F(talomake, updates_and_turns) {
     EXPECT_EQ(run("talomake turn book/one 270 a.jpg && grep '>120x200 (' book/one/index.html").status, 0);
     EXPECT_THAT(run("rm book/one/size1/a.jpg; talomake turn book/one 90 a.jpg").err,
                 EndsWith(": rotate jpeg failed.\nrotateallsize() failed.\n"));
+}
+
+TEST_F(talomake, replaces_nothing_silently) {
+    ASSERT_EQ(run("talomake album card new && cp -p card/B.JPG card/a.jpg && echo other >card/clip.MOV").status, 0);
+    const std::string state = "find new -printf '%p %T@ %s\\n' | sort";
+    const std::string before = run(state).out;
+    const result_t refused = run("talomake album card new --title Other");
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.out, "");
+    EXPECT_EQ(refused.err,
+              "new/original/a.jpg: there already, with other contents.\n"
+              "new/movie/clip.MOV: there already, with other contents.\n"
+              "talomake: nothing was imported. Files that differ: 2; --replace replaces them.\n");
+    EXPECT_EQ(run(state).out, before);
+    EXPECT_EQ(run("talomake album card new --replace && cmp card/a.jpg new/original/a.jpg").status, 0);
+    EXPECT_EQ(run("talomake album new/original new a.jpg && talomake album card new").status, 0);
+
+    const result_t full = run("truncate -s 8T card/clip.MOV; talomake album card newer");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_THAT(full.err, MatchesRegex("newer: [0-9.]+ TiB more free space is needed for this import.\n"));
+    EXPECT_NE(run("ls newer").status, 0);
+    EXPECT_EQ(run("ulimit -f 1; talomake album card newer a.jpg").status, 1) << "a limit is a failed write";
+}
+
+TEST_F(talomake, verifies_and_keeps_going) {
+    const result_t result =
+        run("echo no photo >card/b.jpg; echo n >card/c.jpg; talomake album card book/k --keep-going --verify");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "book/k/index.html\n");
+    EXPECT_THAT(result.err, EndsWith("\ntalomake: 2 of 6 files failed: b.jpg, c.jpg\n"));
+    EXPECT_THAT(run("cat book/index.html").out, HasSubstr("<td>k<td>1+2<td>"));
+    EXPECT_EQ(run("cd book/k && sha256sum --strict -c SHA256SUMS").status, 0);
+
+    const result_t good = run("talomake verify book");
+    EXPECT_EQ(good.status, 0);
+    EXPECT_EQ(good.out, "book/k: 3 files as imported.\n");
+    EXPECT_EQ(good.err, "");
+    const result_t bad = run("mkdir -p book/l/original; rm book/k/original/a.jpg; talomake verify book card");
+    EXPECT_EQ(bad.status, 1);
+    EXPECT_EQ(bad.out, "");
+    EXPECT_EQ(bad.err, "book/k/original/a.jpg: missing.\nbook/l: has no SHA256SUMS.\ncard: has no album.\n");
+
+    const result_t told = run("rm -r book/k/SHA256SUMS book/l; talomake update book");
+    EXPECT_EQ(told.status, 0);
+    EXPECT_THAT(told.err, HasSubstr("book/k/original/a.jpg: gone; --prune removes its sizes, thumbnail and pages.\n"));
+    EXPECT_EQ(run("talomake update --prune book && ls book/k/*/a*").out, "book/k/txt/a.jpg.txt\n");
 }
 
 TEST_F(talomake, prints_exif) {
