@@ -192,19 +192,26 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
 
 TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
     write_file(g_global.from + "/broken.jpg", std::string("no photograph"));
-    on_next_dialog(clicking("New Album"));
-    on_next_dialog([&](Gtk::Dialog& maker) {
-        click(maker, "Update List");
-        click(maker, "Invert Selection");
-        type(maker, 1, "broken");
-        type_title(maker, "Broken");
-        click(maker, "OK");
-    });
-    answer_next("The album could not be made.", "OK");
-    on_next_dialog(clicking("Cancel"));
-    const std::string errors = stderr_of([this] { edit_book(window_, book_); });
-    EXPECT_THAT(errors, testing::EndsWith("shrink() failed.\n"));
+    const auto fail_to_make = [this](const char* name) {
+        on_next_dialog(clicking("New Album"));
+        on_next_dialog([name](Gtk::Dialog& maker) {
+            click(maker, "Update List");
+            click(maker, "Invert Selection");
+            type(maker, 1, name);
+            type_title(maker, "Broken");
+            click(maker, "OK");
+        });
+        answer_next("The album could not be made.", "OK");
+        on_next_dialog(clicking("Cancel"));
+        return stderr_of([this] { edit_book(window_, book_); });
+    };
+    EXPECT_THAT(fail_to_make("broken"), testing::EndsWith("shrink() failed.\n"));
     EXPECT_TRUE(std::filesystem::exists(book_ + "/broken/original/broken.jpg")) << "what was copied stays";
+
+    write_file(g_global.from + "/long.mov", std::string());
+    std::filesystem::resize_file(g_global.from + "/long.mov", uintmax_t{1} << 43);
+    EXPECT_THAT(fail_to_make("full"), testing::EndsWith(" TiB more free space is needed for this import.\n"));
+    EXPECT_FALSE(std::filesystem::exists(book_ + "/full"));
 }
 
 }  // namespace
