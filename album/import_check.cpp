@@ -53,12 +53,25 @@ double room_of_sizes(const std::string& album, const std::string& name, double l
     return room;
 }
 
-double room_of_file(const std::string& srcdir, const std::string& name, const std::string& album) {
-    const import_file_t file = locate_import(srcdir, name, album);
+enum class copies_t {
+    all_made,      // assumed, without a look into the files
+    missing_made,  // those that the album does not have yet
+};
+
+double room_of_file(const import_file_t& file, const std::string& name, const std::string& album, copies_t copies) {
     const double length = footprint(file.source).length;
-    const bool is_copied = !file.in_place && !has_same_copy(file);
+    const bool is_copied = !file.in_place && (copies == copies_t::all_made || !has_same_copy(file));
     const double copy = is_copied ? length - footprint(file.destination).on_disk : 0;
     return copy + room_of_sizes(album, name, length, is_copied);
+}
+
+double room_of_import(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                      copies_t copies) {
+    double room = 0;
+    for (const files_t& file : files) {
+        room += room_of_file(locate_import(srcdir, file.filename, album), file.filename, album, copies);
+    }
+    return room;
 }
 
 // Of the file system on which `path` is or is going to be; negative where the system does not tell.
@@ -108,11 +121,11 @@ std::vector<std::string> find_conflicts(const std::string& srcdir, const std::ve
 
 bool has_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album) {
     const double free = free_bytes(album);
-    double needed = 0;
-    for (const files_t& entry : files) {
-        needed += room_of_file(srcdir, entry.filename, album);
+    if (free < 0 || room_of_import(srcdir, files, album, copies_t::all_made) <= free) {
+        return true;
     }
-    if (free < 0 || needed <= free) {
+    const double needed = room_of_import(srcdir, files, album, copies_t::missing_made);
+    if (needed <= free) {
         return true;
     }
     libutils::report(album, ": ", readable_size(needed - free), " more free space is needed for this import.");

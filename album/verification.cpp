@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstring>
 #include <list>
+#include <string_view>
 
 #include "album/album_layout.h"
 #include "album/checksum.h"
@@ -64,7 +65,12 @@ bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& 
 bool flush_album_names(const std::string& album) {
     for (const char* name : {layout::original, layout::movie, layout::text, ".", ".."}) {
         const std::string directory = entry_path(album, name);
-        if (!flush_to_disk(directory) && errno != ENOENT) {
+        // Not every directory is there; some file systems have nothing to flush in one; and the one above may be
+        // closed to the user.
+        const auto is_no_failure = [&] {
+            return errno == ENOENT || errno == EINVAL || (errno == EACCES && name == std::string_view(".."));
+        };
+        if (!flush_to_disk(directory) && !is_no_failure()) {
             libutils::report(directory, ": can't be brought to the disk, ", std::strerror(errno));
             return false;
         }
