@@ -10,6 +10,7 @@
 #include <tuple>
 
 #include "album/engine_step.h"
+#include "album/jobs.h"
 #include "libgr/exif/app1_marker.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpegdata.h"
@@ -167,6 +168,10 @@ bool write_thumbnail(const std::string& path, const std::string& name, const ori
     return halve(picture.image, name) && save_level(path, picture);
 }
 
+bool ends_the_run(const files_t& /*file*/) {
+    return false;
+}
+
 // The directories of a photograph, the numbered ones made where they are missing.
 std::vector<std::string> make_level_directories(const std::string& album, unsigned long level) {
     std::vector<std::string> dirs = level_directories(album, level);
@@ -184,6 +189,41 @@ bool shrink_file(const std::string& album, const files_t& file) {
     const unsigned long level = listed_level(album, file.filename);
     const std::vector<std::string> dirs = make_level_directories(album, level);
     return !is_photo(file.filename) || shrinkone(dirs, album, file.filename, level, file.rightrotatecount);
+}
+
+bool shrink_file_update(const std::string& album, const files_t& file) {
+    const std::string& name = file.filename;
+    const unsigned long level = listed_level(album, name);
+    const std::vector<std::string> dirs = make_level_directories(album, level);
+    if (!is_photo(name)) {
+        return true;
+    }
+    if (file.rightrotatecount != 0) {
+        return shrinkoneupdate(dirs, album, name, level, 0, file.rightrotatecount);
+    }
+    const auto missing = std::find_if(dirs.begin(), dirs.end(),
+                                      [&](const std::string& dir) { return !is_exist(entry_path(dir, name)); });
+    const auto start = static_cast<unsigned long>(missing - dirs.begin());
+    return missing == dirs.end() || shrinkoneupdate(dirs, album, name, level, start, 0);
+}
+
+// Does `work` for every file, several at a time where the program allows it.
+bool for_each_file(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
+                   bool (*work)(const std::string&, const files_t&), const failed_file_t& failed) {
+    bool good = true;
+    const auto finished = [&](size_t i, libutils::task_end_t end) {
+        if (end == libutils::task_end_t::died) {
+            libutils::report(files[i].filename, ": the process that worked on it has died.");
+        }
+        good = end == libutils::task_end_t::succeeded || failed(files[i]);
+        if (good) {
+            emit_progress(progress, i, files.size());
+        }
+        return good;
+    };
+    libutils::run_tasks(
+        files.size(), g_workers, [&](size_t i) { return work(album, files[i]); }, finished);
+    return good;
 }
 
 }  // namespace
@@ -220,39 +260,17 @@ bool need_update(const std::string& source, const std::string& target) {
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress) {
-    return shrink(album, files, progress, [](const files_t&) { return false; });
+    return shrink(album, files, progress, ends_the_run);
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
             const failed_file_t& failed) {
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
-    for (size_t i = 0; i < files.size(); ++i) {
-        if (!shrink_file(album, files[i]) && !failed(files[i])) {
-            return false;
-        }
-        emit_progress(progress, i, files.size());
-    }
-    return true;
+    return for_each_file(album, files, progress, shrink_file, failed);
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress) {
-    for (size_t i = 0; i < files.size(); ++i) {
-        const std::string& name = files[i].filename;
-        const unsigned long level = listed_level(album, name);
-        const std::vector<std::string> dirs = make_level_directories(album, level);
-        if (is_photo(name)) {
-            const auto missing = std::find_if(dirs.begin(), dirs.end(),
-                                              [&](const std::string& dir) { return !is_exist(entry_path(dir, name)); });
-            const bool turned = files[i].rightrotatecount != 0;
-            const auto start = turned ? 0 : static_cast<unsigned long>(missing - dirs.begin());
-            if ((turned || missing != dirs.end()) &&
-                !shrinkoneupdate(dirs, album, name, level, start, files[i].rightrotatecount)) {
-                return false;
-            }
-        }
-        emit_progress(progress, i, files.size());
-    }
-    return true;
+    return for_each_file(album, files, progress, shrink_file_update, ends_the_run);
 }
 
 bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,

@@ -4,6 +4,7 @@
 #include <csignal>
 #include <cstdlib>
 
+#include "album/jobs.h"
 #include "app/command_line.h"
 #include "app/menu_window.h"
 #include "libutils/diagnostics.h"
@@ -24,8 +25,8 @@ bool open_display(int& argc, char**& argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    std::signal(SIGXFSZ,
-                SIG_IGN);  // a file that grew too large is a failed write, not the end in the middle of an import
+    // A file that grew too large is a failed write, not the end in the middle of an import.
+    std::signal(SIGXFSZ, SIG_IGN);
     // The command line is looked at without a display, so that help is to be had everywhere.
     gtk_parse_args(&argc, &argv);
     if (argc < 1 || taloram::parse_command_line(argc, argv).wants_usage) {
@@ -40,6 +41,7 @@ int main(int argc, char** argv) {
     if (g_file_test(input_method_cache, G_FILE_TEST_EXISTS) != FALSE) {
         g_setenv("GTK_IM_MODULE_FILE", input_method_cache, TRUE);
     }
+    taloram::g_workers.jobs = taloram::default_jobs();
     taloram::MenuWindow window(argc, argv);
     Gtk::Main::run(window);
     return EXIT_SUCCESS;

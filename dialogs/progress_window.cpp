@@ -8,6 +8,7 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "album/jobs.h"
 #include "dialogs/message_box.h"
 #include "dialogs/text_encoding.h"
 
@@ -60,11 +61,13 @@ void progress_window_t::begin(const Glib::ustring& subject, const std::vector<fi
     for (Gtk::ProgressBar& bar : bars_) {
         bar.set_fraction(0);
     }
+    g_workers.idle = run_pending_events;
     present();
     run_pending_events();
 }
 
 void progress_window_t::end() {
+    g_workers.idle = nullptr;
     hide();
 }
 
@@ -87,7 +90,7 @@ void progress_window_t::show_file(stage_t stage, double fraction) {
     }
 }
 
-// Events are handled between two files only, so that nothing is left half done when the process ends here.
+// Workers end with this process. What they were writing has no name yet, so that nothing is left half done.
 bool progress_window_t::on_delete_event(GdkEventAny* /*event*/) {
     if (ask_yes_no(*this, msg_stop_work)) {
         std::exit(EXIT_SUCCESS);

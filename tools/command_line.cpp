@@ -5,6 +5,7 @@
 #include <charconv>
 #include <string_view>
 
+#include "album/jobs.h"
 #include "tools/wrong_use.h"
 
 namespace talomake {
@@ -82,6 +83,14 @@ uint64_t parse_quality(const std::string& text) {
     return *quality;
 }
 
+unsigned parse_jobs(const std::string& text) {
+    const auto jobs = parse_decimal(text);
+    if (!jobs || *jobs == 0 || *jobs > taloram::most_jobs) {
+        throw CLI::ValidationError("--jobs", libutils::join_text("must be a number from 1 to ", taloram::most_jobs));
+    }
+    return static_cast<unsigned>(*jobs);
+}
+
 progress_mode_t parse_progress(const std::string& text) {
     struct mode_t {
         std::string_view text;
@@ -120,6 +129,8 @@ void define_run_options(CLI::App& app, run_options_t& run) {
               [&run](const std::string& text) { run.shrink_size = parse_shrink_size(text); });
     add_value(app, "--quality", "N", "JPEG quality of reduced sizes and thumbnails, 0 to 100",
               [&run](const std::string& text) { run.quality = parse_quality(text); });
+    add_value(app, "--jobs", "N", "photographs at work at the same time; without it one a processor",
+              [&run](const std::string& text) { run.jobs = parse_jobs(text); });
     add_value(app, "--progress", "WHEN", "show progress: auto (on a terminal), always or never",
               [&run](const std::string& text) { run.progress = parse_progress(text); });
     add_flag(app, "--trace", run.trace, "tell every step");

@@ -19,6 +19,7 @@ struct run_options_t {
     };
     std::optional<box_t> shrink_size;
     std::optional<uint64_t> quality;  // 0 to 100
+    std::optional<unsigned> jobs;     // photographs at work at the same time
     progress_mode_t progress = progress_mode_t::automatic;
     bool trace = false;
 };

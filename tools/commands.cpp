@@ -15,6 +15,7 @@
 #include "album/exif_summary.h"
 #include "album/import.h"
 #include "album/import_check.h"
+#include "album/jobs.h"
 #include "album/reduced_sizes.h"
 #include "album/verification.h"
 #include "libutils/directory.h"
@@ -49,6 +50,7 @@ void start_up(const char* program, const run_options_t& options = {}) {
     if (options.quality) {
         g_global.jpeg_compress = *options.quality;
     }
+    g_workers.jobs = options.jobs.value_or(default_jobs());
     if (options.trace) {
         talolib::g_option[talolib::option_trace] = 1;
     }

@@ -57,7 +57,8 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         ";none;--bogus;album;album card;album none new;album card/a.jpg new;album card none/new;album card card/a.jpg;"
         "album card '';album '' new;album card book;album . new card;update;update none;update card/a.jpg;"
         "update old none;book;book none;book old;turn old 90;turn old 45 a.jpg;turn old 90 a.jpg a.jpg;"
-        "turn old 90 ../original/a.jpg;turn old 90 clip.MOV;turn card 90 a.jpg;exif;exif card/a.jpg none;exif card;"
+        "turn old 90 ../original/a.jpg;turn old 90 clip.MOV;turn card 90 a.jpg;update --jobs 0 old;exif;exif "
+        "card/a.jpg none;exif card;"
         "album card new --bogus;album card new missing.jpg;album card new ../card/a.jpg;album card new ..;"
         "album card new '';album card new a.jpg a.jpg;album card new 'two\nlines';album card new --rotate a.jpg;"
         "album card new --rotate a.jpg=45;album card new --rotate a.jpg=090;album card new --rotate clip.MOV=90;"
@@ -124,7 +125,7 @@ TEST_F(talomake, shows_progress_apart_from_errors) {
     run("echo no photograph > card/b.jpg");
     EXPECT_THAT(
         run("talomake album card broken --progress always a.jpg b.jpg").err,
-        MatchesRegex("(\rCopying[^\r\n]*)+\n(\rMaking sizes[^\r\n]+\r +\r[^\r\n]+\n)+\rMaking sizes.* 1/2 .*\n"));
+        MatchesRegex("(\rCopying[^\r\n]*)+\n(\rMaking sizes[^\r\n]+\r +\r([^\r\n]+\n)+)+\rMaking sizes.* 1/2 .*\n"));
     const result_t quiet = run("talomake album card broken a.jpg b.jpg");
     EXPECT_EQ(quiet.status, 1);
     EXPECT_EQ(quiet.out, "");
@@ -199,6 +200,19 @@ TEST_F(talomake, verifies_and_keeps_going) {
     EXPECT_EQ(told.status, 0);
     EXPECT_THAT(told.err, HasSubstr("book/k/original/a.jpg: gone; --prune removes its sizes, thumbnail and pages.\n"));
     EXPECT_EQ(run("talomake update --prune book && ls book/k/*/a*").out, "book/k/txt/a.jpg.txt\n");
+}
+
+TEST_F(talomake, works_alike_with_any_number_of_jobs) {
+    run("for i in 1 2 3 4 5; do cp card/a.jpg card/a$i.jpg; head -c $((i * 1000)) card/B.JPG >card/broken$i.jpg; done");
+    const auto import = [this](const std::string& options) {
+        const std::string clear = "rm -rf made; talomake album --keep-going --trace card made " + options;
+        const result_t made = run(clear + "; echo $?; sed -i '/^HTML Generated/d' made/*.html made/*/*.html");
+        return made.out + made.err + run("cd made; find -type f -exec md5sum {} + | sort").out;
+    };
+    const std::string alone = import("--jobs 1");
+    EXPECT_THAT(alone, HasSubstr("broken1.jpg"));
+    EXPECT_EQ(import("--jobs 3"), alone);
+    EXPECT_EQ(import(""), alone);
 }
 
 TEST_F(talomake, prints_exif) {
