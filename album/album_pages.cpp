@@ -9,7 +9,6 @@
 
 #include "album/comment_store.h"
 #include "album/engine_step.h"
-#include "album/exif_summary.h"
 #include "album/page_frame.h"
 #include "album/reduced_sizes.h"
 #include "album/text_file.h"
@@ -19,6 +18,7 @@
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
+#include "shooting_data/exif_summary.h"
 #include "talolib/option.h"
 
 namespace taloram {

@@ -5,7 +5,6 @@
 
 #include "album/album_layout.h"
 #include "album/comment_store.h"
-#include "album/exif_summary.h"
 #include "app/command_line.h"
 #include "dialogs/browser.h"
 #include "dialogs/edit_book_dialog.h"
@@ -20,6 +19,7 @@
 #include "libutils/path.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
+#include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
 #include "talolib/option.h"
 

@@ -1,4 +1,4 @@
-#include "album/exif_summary.h"
+#include "shooting_data/exif_summary.h"
 
 #include <gtest/gtest.h>
 

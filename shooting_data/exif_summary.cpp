@@ -1,4 +1,4 @@
-#include "album/exif_summary.h"
+#include "shooting_data/exif_summary.h"
 
 #include <cstdint>
 #include <cstdlib>
@@ -6,13 +6,13 @@
 #include <iostream>
 #include <string_view>
 
-#include "album/exif_labels.h"
 #include "libgr/exif/app1_marker.h"
 #include "libgr/jpeg/jpegdata.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/markers/jpeginfo2.h"
 #include "libutils/text.h"
 #include "settings/message.h"
+#include "shooting_data/exif_labels.h"
 #include "talolib/option.h"
 
 namespace taloram {

@@ -1,4 +1,4 @@
-#include "album/exif_labels.h"
+#include "shooting_data/exif_labels.h"
 
 #include <climits>
 
