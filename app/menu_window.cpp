@@ -13,7 +13,6 @@
 #include "dialogs/raise_window.h"
 #include "dialogs/shell_command.h"
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "dialogs/view_album_dialog.h"
 #include "dialogs/view_book_dialog.h"
 #include "libutils/path.h"
@@ -22,6 +21,7 @@
 #include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
 #include "talolib/option.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

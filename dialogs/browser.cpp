@@ -6,7 +6,7 @@
 #include "album/album_layout.h"
 #include "dialogs/message_box.h"
 #include "dialogs/shell_command.h"
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

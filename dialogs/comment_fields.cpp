@@ -1,6 +1,6 @@
 #include "dialogs/comment_fields.h"
 
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

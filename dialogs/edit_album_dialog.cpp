@@ -10,7 +10,6 @@
 #include "album/reduced_sizes.h"
 #include "dialogs/message_box.h"
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "dialogs/text_input_dialog.h"
 #include "dialogs/thumbnail_grid.h"
 #include "dialogs/thumbnails.h"
@@ -18,6 +17,7 @@
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "talolib/option.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -19,13 +19,13 @@
 #include "dialogs/raise_window.h"
 #include "dialogs/shell_command.h"
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
 #include "settings/settings.h"
 #include "talolib/option.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -4,10 +4,10 @@
 #include <gtkmm/stock.h>
 
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "libutils/directory.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

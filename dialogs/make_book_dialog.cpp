@@ -12,10 +12,10 @@
 #include "album/comment_store.h"
 #include "dialogs/message_box.h"
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "talolib/option.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

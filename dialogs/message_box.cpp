@@ -3,7 +3,7 @@
 #include <gtkmm/label.h>
 #include <gtkmm/messagedialog.h>
 
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

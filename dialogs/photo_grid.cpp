@@ -4,11 +4,11 @@
 
 #include <algorithm>
 
-#include "dialogs/text_encoding.h"
 #include "dialogs/thumbnails.h"
 #include "libgr/image/pixel_operations.h"
 #include "libutils/diagnostics.h"
 #include "settings/settings.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -10,7 +10,7 @@
 
 #include "album/jobs.h"
 #include "dialogs/message_box.h"
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -11,10 +11,10 @@
 
 #include "album/album_layout.h"
 #include "album/comment_store.h"
-#include "dialogs/text_encoding.h"
 #include "dialogs/thumbnails.h"
 #include "libutils/text.h"
 #include "shooting_data/exif_summary.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -11,10 +11,10 @@
 #include "album/album_pages.h"
 #include "dialogs/browser.h"
 #include "dialogs/message_box.h"
-#include "dialogs/text_encoding.h"
 #include "dialogs/text_input_dialog.h"
 #include "dialogs/upright_photo.h"
 #include "libutils/directory.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -7,8 +7,8 @@
 #include "dialogs/browser.h"
 #include "dialogs/raise_window.h"
 #include "dialogs/table_scroller.h"
-#include "dialogs/text_encoding.h"
 #include "dialogs/view_album_dialog.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

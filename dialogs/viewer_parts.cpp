@@ -7,9 +7,9 @@
 #include <algorithm>
 
 #include "album/comment_store.h"
-#include "dialogs/text_encoding.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
+#include "toolkit/text_encoding.h"
 
 namespace taloram {
 

@@ -4,12 +4,12 @@
 
 #include <filesystem>
 
-#include "dialogs/text_encoding.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "toolkit/text_encoding.h"
 
 namespace {
 

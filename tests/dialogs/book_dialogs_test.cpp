@@ -6,12 +6,12 @@
 
 #include "album/comment_store.h"
 #include "dialogs/edit_book_dialog.h"
-#include "dialogs/text_encoding.h"
 #include "libutils/directory.h"
 #include "settings/settings.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "toolkit/text_encoding.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <filesystem>
 
 #include "dialogs/shell_command.h"
-#include "dialogs/text_encoding.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "toolkit/text_encoding.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "dialogs/text_encoding.h"
+#include "toolkit/text_encoding.h"
 
 #include <glib.h>
 
