@@ -1,0 +1,49 @@
+#include "libgr/image/pixel_operations.h"
+#include "libgr/jpeg/jpeginfo.h"
+#include "libgr/jpeg/lossless_turn.h"
+#include "tests/fuzz/fuzz_target.h"
+
+using namespace libgr;
+
+namespace {
+
+// What the engine does with a picture it has decoded.
+void halve_and_encode(jpeginfo_t& info, image2d_t& image) {
+    fuzz::require(image.holds_window() && image.window.width == info.width && image.window.height == info.height);
+    image2d_t half;
+    fuzz::require(scaledown(half, image));
+    jpegdata_t encoded;
+    const bool made = info.compress(encoded, half, 80, true);
+    fuzz::require(made == (half.window.width != 0 && half.window.height != 0));
+    if (made) {
+        jpeginfo_t again;
+        fuzz::require(again.analyze_markers(encoded) && again.width == half.window.width);
+    }
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const fuzz::silence_t silence;
+    const libutils::bytes_t input = fuzz::view_of(data, size);
+    jpegdata_t file;
+    file.setvector(input, "P");
+    jpeginfo_t info;
+    const bool has_header = info.analyze_markers(file);
+    jpeginfo_t decoded;
+    image2d_t image;
+    if (decoded.decompress(image, file, 0, false, {})) {
+        fuzz::require(has_header);
+        halve_and_encode(decoded, image);
+    }
+    image.clear();
+    for (unsigned long count = 1; count <= 3; ++count) {
+        jpegdata_t turned;
+        if (transform(count, turned, file)) {
+            jpeginfo_t again;
+            fuzz::require(again.analyze_markers(turned));
+            fuzz::require(again.width == (count == 2 ? info.width : info.height));
+        }
+    }
+    return 0;
+}
