@@ -22,13 +22,13 @@ struct rows_t {
     [[nodiscard]] JSAMPROW row(uint32_t y) const { return bottom + stride * (height - 1 - y); }
 };
 
-bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, const jpeg_decompress_struct& info) {
+bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, const jpeg_decompress_struct& info, uint64_t memory) {
     img.clear();
     img.desc = {layout.format, layout.type, layout.bits};
     img.window = {};
     img.window.width = info.image_width;
     img.window.height = info.image_height;
-    return img.rowsize() <= memory_limit() / img.window.height && img.allocate() && img.holds_window();
+    return img.rowsize() <= memory / img.window.height && img.allocate() && img.holds_window();
 }
 
 struct outcome_t {
@@ -84,6 +84,7 @@ void open_file(decompressor_t& reader) {
     reader.create();
     reader.keep_segments(0xFFFF);
     reader.read_header();
+    reader.refuse_oversized();
 }
 
 // When a later scan can't be read at all, those before it still make a picture. What is wrong with the file has been
@@ -114,9 +115,11 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
     const jpeg_info_desc_t* const layout = find_layout([&info](const jpeg_info_desc_t& row) {
         return row.components == info.num_components && row.color_space == info.out_color_space;
     });
-    if (layout == nullptr || !make_picture(img, *layout, info)) {
+    const uint64_t memory = memory_limit();
+    if (layout == nullptr || !make_picture(img, *layout, info, memory)) {
         return false;
     }
+    reader.limit_memory(memory - img.size());
     for (const auto* saved = info.marker_list; saved != nullptr; saved = saved->next) {
         const bool whole = saved->data_length != 0 && saved->data_length == saved->original_length;
         if (whole && !append_segment(markers, *saved)) {

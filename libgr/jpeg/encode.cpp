@@ -25,6 +25,24 @@ void write_rows(jpeg_compress_struct& info, const image2d_t& img) {
     }
 }
 
+void write_file(compressor_t& writer, const image2d_t& img, const jpeg_info_desc_t& layout,
+                const std::list<jpeginfo_t::marker_t>& segments, int quality, bool force_baseline) {
+    writer.create();
+    jpeg_compress_struct& info = writer.info;
+    info.image_width = img.window.width;
+    info.image_height = img.window.height;
+    info.in_color_space = layout.color_space;
+    info.input_components = layout.components;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, std::clamp(quality, 0, 100), force_baseline ? TRUE : FALSE);
+    jpeg_start_compress(&info, TRUE);
+    for (const jpeginfo_t::marker_t& segment : segments) {
+        jpeg_write_marker(&info, segment.marker, segment.data.begin(), static_cast<unsigned>(segment.data.size()));
+    }
+    write_rows(info, img);
+    jpeg_finish_compress(&info);
+}
+
 }  // namespace
 
 bool jpeginfo_t::compress(jpegdata_t& out, const image2d_t& img, int quality, bool force_baseline) {
@@ -38,19 +56,10 @@ bool jpeginfo_t::compress(jpegdata_t& out, const image2d_t& img, int quality, bo
         return false;
     }
     compressor_t writer(out);
-    jpeg_compress_struct& info = writer.info;
-    info.image_width = img.window.width;
-    info.image_height = img.window.height;
-    info.in_color_space = layout->color_space;
-    info.input_components = layout->components;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, std::clamp(quality, 0, 100), force_baseline ? TRUE : FALSE);
-    jpeg_start_compress(&info, TRUE);
-    for (const marker_t& segment : markers) {
-        jpeg_write_marker(&info, segment.marker, segment.data.begin(), static_cast<unsigned>(segment.data.size()));
+    if (!writer.attempt([&] { write_file(writer, img, *layout, markers, quality, force_baseline); })) {
+        out.clear();
+        return false;
     }
-    write_rows(info, img);
-    jpeg_finish_compress(&info);
     return true;
 }
 

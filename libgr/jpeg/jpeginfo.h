@@ -67,7 +67,7 @@ class jpeginfo_t {
 
     // Encodes `img` with the listed segments; `quality` on libjpeg's scale, cut to 0 to 100. False, without a message,
     // when the layout is none of 8-bit RGB, YCbCr and grayscale, or the picture is empty or over 65500 pixels in a
-    // direction. A fatal error inside libjpeg's encoder ends the process.
+    // direction; false, and reported, when memory is short.
     [[nodiscard]] bool compress(jpegdata_t& out, const image2d_t& img, int quality, bool force_baseline);
 };
 

@@ -4,15 +4,32 @@
 
 #include <algorithm>
 #include <new>
+#include <numeric>
 
 #include "libutils/diagnostics.h"
+#include "libutils/memory.h"
 
 namespace libgr {
 
 namespace {
 
-// A progressive file of a few kilobytes can make libjpeg walk a huge picture once a scan; real files have some ten.
-constexpr int max_scans = 500;
+// A file of a few kilobytes can make libjpeg walk a huge picture, once a scan. What a file may ask for grows with its
+// bytes, so that nothing takes long that is small:
+//
+//     limit = start + bytes * growth
+//
+// A whole Huffman-coded picture takes a bit a block at least, and a block shows no more than 64 pixels: `growth` lets
+// all of them pass. `start` is for those cut short: the largest cameras' 200 megapixels are some 4.7 million blocks.
+struct work_limit_t {
+    uint64_t start;
+    uint64_t growth;
+
+    [[nodiscard]] uint64_t of(uint64_t bytes) const { return start + bytes * growth; }
+};
+constexpr work_limit_t max_pixels{uint64_t{1} << 27, 1024};
+constexpr work_limit_t max_blocks{5'000'000, 8};
+constexpr work_limit_t max_scanned_blocks{uint64_t{1} << 24, 512};  // in all scans; real files have some ten of them
+constexpr uint64_t max_scans = 500;
 // libjpeg's list of saved segments takes time by the square of their number; real files have some hundred.
 constexpr int max_segments = 16384;
 // Once for the file, once more when the data has run out. Whoever asks again goes round in circles.
@@ -20,8 +37,9 @@ constexpr unsigned max_presentations = 2;
 constexpr size_t growth_step = 0x100000;  // bytes
 
 // Messages of our own, numbered behind libjpeg's.
-enum own_message_t { msg_scans = 1000, msg_segments };
-constexpr const char* own_messages[] = {"JPEG file with more than %d scans", "JPEG file with more than %d segments"};
+enum own_message_t { msg_scans = 1000, msg_segments, msg_size, msg_end };
+constexpr const char* own_messages[] = {"JPEG file with more than %d scans", "JPEG file with more than %d segments",
+                                        "JPEG picture of %d x %d pixels in too small a file"};
 
 template <typename Info>
 j_common_ptr common(Info* info) {
@@ -42,15 +60,12 @@ destination_manager_t& destination_of(j_compress_ptr info) {
 
 // libjpeg's text as one line through the stream of all other diagnostics.
 void output_message(j_common_ptr info) {
+    if (errors_of(info).silent) {
+        return;
+    }
     char text[JMSG_LENGTH_MAX];
     info->err->format_message(info, text);
     libutils::report(text);
-}
-
-void output_read_message(j_common_ptr info) {
-    if (!errors_of(info).silent) {
-        output_message(info);
-    }
 }
 
 [[noreturn]] void my_error_exit(j_common_ptr info) {
@@ -59,7 +74,7 @@ void output_read_message(j_common_ptr info) {
         libutils::report(shown_name(*errors.data), ": error detected.");
     }
     errors.output_message(info);
-    std::longjmp(errors.jump, 1);
+    std::longjmp(*errors.jump, 1);
 }
 
 void emit_message(j_common_ptr info, int level) {
@@ -150,6 +165,25 @@ void dest_term(j_compress_ptr info) {
     info->dest = nullptr;
 }
 
+uint64_t blocks_of(const jpeg_decompress_struct& info) {
+    return std::accumulate(info.comp_info, info.comp_info + info.num_components, uint64_t{0},
+                           [](uint64_t sum, const jpeg_component_info& component) {
+                               return sum + uint64_t{component.width_in_blocks} * component.height_in_blocks;
+                           });
+}
+
+// What both kinds of libjpeg objects do about errors.
+void install_errors(error_manager_t& errors, std::jmp_buf& jump, const jpegdata_t& data) {
+    jpeg_std_error(&errors);
+    errors.jump = &jump;
+    errors.data = &data;
+    errors.error_exit = my_error_exit;
+    errors.output_message = output_message;
+    errors.addon_message_table = own_messages;
+    errors.first_addon_message = msg_scans;
+    errors.last_addon_message = msg_end - 1;
+}
+
 void install_destination(j_compress_ptr info, jpegdata_t& out) {
     if (info->dest == nullptr) {
         void* const memory = info->mem->alloc_small(common(info), JPOOL_PERMANENT, sizeof(destination_manager_t));
@@ -165,13 +199,13 @@ void install_destination(j_compress_ptr info, jpegdata_t& out) {
 }  // namespace
 
 uint64_t memory_limit() {
-    constexpr uint64_t always = uint64_t{1} << 30;
+    uint64_t share = uint64_t{1} << 30;
     const long pages = sysconf(_SC_PHYS_PAGES);
     const long page_bytes = sysconf(_SC_PAGE_SIZE);
-    if (pages <= 0 || page_bytes <= 0) {
-        return always;
+    if (pages > 0 && page_bytes > 0) {
+        share = std::max(share, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
     }
-    return std::max(always, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
+    return std::min(share, libutils::available_memory());
 }
 
 const char* shown_name(const jpegdata_t& data) {
@@ -179,29 +213,31 @@ const char* shown_name(const jpegdata_t& data) {
 }
 
 void refuse_endless_scans(j_common_ptr info) {
-    if (reinterpret_cast<j_decompress_ptr>(info)->input_scan_number > max_scans) {
-        ERREXIT1(info, msg_scans, max_scans);
+    auto& reader = *reinterpret_cast<j_decompress_ptr>(info);
+    const uint64_t walked = max_scanned_blocks.of(errors_of(info).data->size());
+    const uint64_t scans = std::min(max_scans, walked / std::max(blocks_of(reader), uint64_t{1}));
+    if (static_cast<uint64_t>(reader.input_scan_number) > scans) {
+        ERREXIT1(info, msg_scans, static_cast<int>(scans));
     }
 }
 
 decompressor_t::decompressor_t(const jpegdata_t& data) : data_(&data) {
-    info.err = jpeg_std_error(&errors_);
-    errors_.data = &data;
-    errors_.error_exit = my_error_exit;
-    errors_.output_message = output_read_message;
+    install_errors(errors_, jump_, data);
     errors_.standard_emit_message = errors_.emit_message;
     errors_.emit_message = emit_message;
-    errors_.addon_message_table = own_messages;
-    errors_.first_addon_message = msg_scans;
-    errors_.last_addon_message = msg_segments;
+    info.err = &errors_;
     progress_.progress_monitor = refuse_endless_scans;
 }
 
 void decompressor_t::create() {
     jpeg_create_decompress(&info);
-    info.mem->max_memory_to_use = static_cast<long>(memory_limit());
+    limit_memory(memory_limit());
     info.progress = &progress_;
     install_source(&info, *data_);
+}
+
+void decompressor_t::limit_memory(uint64_t bytes) {
+    info.mem->max_memory_to_use = static_cast<long>(std::max(bytes, uint64_t{1}));  // 0 means no limit
 }
 
 void decompressor_t::keep_segments(unsigned app_bytes) {
@@ -229,15 +265,30 @@ bool decompressor_t::has_whole_file() const {
     return whole;
 }
 
+void decompressor_t::refuse_oversized() {
+    const uint64_t pixels = uint64_t{info.image_width} * info.image_height;
+    if (pixels > max_pixels.of(data_->size()) || blocks_of(info) > max_blocks.of(data_->size())) {
+        ERREXIT2(&info, msg_size, static_cast<int>(info.image_width), static_cast<int>(info.image_height));
+    }
+}
+
 bool decompressor_t::ran_out() const {
     return info.src != nullptr && static_cast<const source_manager_t*>(info.src)->presentations > 1;
 }
 
-compressor_t::compressor_t(jpegdata_t& out) {
-    info.err = jpeg_std_error(&errors_);
-    errors_.output_message = output_message;
+compressor_t::compressor_t(jpegdata_t& out) : out_(out) {
+    install_errors(errors_, jump_, out);
+    info.err = &errors_;
+}
+
+compressor_t::compressor_t(jpegdata_t& out, decompressor_t& reader) : out_(out) {
+    install_errors(errors_, reader.jump_, *reader.data_);
+    info.err = &errors_;
+}
+
+void compressor_t::create() {
     jpeg_create_compress(&info);
-    install_destination(&info, out);
+    install_destination(&info, out_);
 }
 
 }  // namespace libgr

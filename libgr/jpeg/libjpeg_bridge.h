@@ -19,22 +19,36 @@ constexpr unsigned max_segment_bytes = 65533;
 // libjpeg's own limit in both directions.
 constexpr uint32_t max_picture_side = 65500;
 
-// The most memory that a picture's pixels, and its coefficients, may take: a quarter of the machine's, at least 1 GiB;
-// in bytes. A damaged header of a few bytes can ask for tens of gigabytes.
+// The most memory that a picture's pixels, and its coefficients, may take: what the machine has left, and no more than
+// a quarter of all it has, or 1 GiB where that is more; in bytes. A damaged header of a few bytes can ask for tens of
+// gigabytes.
 [[nodiscard]] uint64_t memory_limit();
 
 // The name that messages about `data` begin with; "" when it has none.
 [[nodiscard]] const char* shown_name(const jpegdata_t& data);
 
-// Error manager for reading: a fatal error is written to standard error and jumps back to attempt().
+// Error manager: a fatal error is written to standard error and jumps back to attempt().
 struct error_manager_t : jpeg_error_mgr {
-    std::jmp_buf jump;
-    const jpegdata_t* data;  // being read; not owned
+    std::jmp_buf* jump;      // of the attempt that goes on; not owned
+    const jpegdata_t* data;  // that messages name; not owned
     void (*standard_emit_message)(j_common_ptr, int);
     unsigned segments;  // met so far
     bool early_end;     // libjpeg warned that the compressed data stopped short
     bool silent;
 };
+
+// Runs `calls`, the only places where libjpeg works. False when a fatal error of an object whose errors jump to `jump`
+// ended them, which has then been reported. The jump back skips destructors: nothing in `calls` may own anything while
+// libjpeg is called.
+template <typename Calls>
+[[nodiscard, gnu::noinline]] bool attempt(std::jmp_buf& jump, const Calls& calls) {
+    static_assert(std::is_trivially_destructible_v<Calls>);
+    if (setjmp(jump) != 0) {
+        return false;
+    }
+    calls();
+    return true;
+}
 
 // Source manager over a whole file in memory.
 struct source_manager_t : jpeg_source_mgr {
@@ -56,24 +70,21 @@ class decompressor_t {
     decompressor_t(const decompressor_t&) = delete;
     decompressor_t& operator=(const decompressor_t&) = delete;
 
-    // Runs `calls`, the only place where libjpeg reads. False when a fatal error ended them or the file became shorter
-    // meanwhile, which has then been reported. The jump back skips destructors: nothing in `calls` may own anything
-    // while libjpeg is called.
+    // False too, and reported, when the file became shorter meanwhile.
     template <typename Calls>
-    [[nodiscard, gnu::noinline]] bool attempt(const Calls& calls) {
-        static_assert(std::is_trivially_destructible_v<Calls>);
-        if (setjmp(errors_.jump) != 0) {
-            return false;
-        }
-        calls();
-        return has_whole_file();
+    [[nodiscard]] bool attempt(const Calls& calls) {
+        return libgr::attempt(jump_, calls) && has_whole_file();
     }
 
     // The steps up to the first scan, for use inside attempt().
     void create();
     void keep_segments(unsigned app_bytes);  // COM whole, each APPn up to app_bytes
     void read_header();
+    // Fatal error when the header asks for far more work than the file's few bytes can be worth. Behind read_header().
+    void refuse_oversized();
 
+    // What libjpeg may take for all it keeps of a picture; memory_limit() at first.
+    void limit_memory(uint64_t bytes);
     void silence() { errors_.silent = true; }
     // Releases all memory now.
     void close() { jpeg_destroy_decompress(&info); }
@@ -87,31 +98,46 @@ class decompressor_t {
     jpeg_decompress_struct info{};
 
   private:
+    friend class compressor_t;
+
     [[nodiscard]] bool has_whole_file() const;
 
+    std::jmp_buf jump_{};
     error_manager_t errors_{};
     jpeg_progress_mgr progress_{};
     const jpegdata_t* data_;
 };
 
-// A libjpeg compressor into `out`, which must outlive it. libjpeg's fatal errors end the process here: callers check
-// beforehand whatever could lead to one.
+// A libjpeg compressor into `out`, which must outlive it. Destroyed with all its memory on every path.
 class compressor_t {
   public:
     explicit compressor_t(jpegdata_t& out);
+    // Errors of this one jump back to an attempt of `reader`, and messages name what it reads.
+    compressor_t(jpegdata_t& out, decompressor_t& reader);
     ~compressor_t() { jpeg_destroy_compress(&info); }
     compressor_t(const compressor_t&) = delete;
     compressor_t& operator=(const compressor_t&) = delete;
+
+    template <typename Calls>
+    [[nodiscard]] bool attempt(const Calls& calls) {
+        return libgr::attempt(*errors_.jump, calls);
+    }
+
+    // The first step inside an attempt.
+    void create();
 
     [[nodiscard]] long warnings() const { return errors_.num_warnings; }
 
     jpeg_compress_struct info{};
 
   private:
-    jpeg_error_mgr errors_{};
+    std::jmp_buf jump_{};
+    error_manager_t errors_{};
+    jpegdata_t& out_;
 };
 
-// Fatal error when a file has more scans than any real one; called while scans are taken in.
+// Fatal error when a file has more scans than any real one, or than its bytes can be worth; called while scans are
+// taken in.
 void refuse_endless_scans(j_common_ptr info);
 
 }  // namespace libgr

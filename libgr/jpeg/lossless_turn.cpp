@@ -20,7 +20,7 @@ constexpr std::array<JXFORM_CODE, 4> turns = {JXFORM_NONE, JXFORM_ROT_90, JXFORM
 constexpr int max_ac = 1023;
 constexpr int min_dc = -1024;
 
-// A table that changed between scans can't be written once for all; libjpeg's compressor ends the process over one.
+// A table that changed between scans can't be written once for all.
 void refuse_changed_tables(jpeg_decompress_struct& source) {
     for (int i = 0; i < source.num_components; ++i) {
         const jpeg_component_info& component = source.comp_info[i];
@@ -54,7 +54,7 @@ bool cut_to_range(JCOEF* block) {
     return cut;
 }
 
-// What no code exists for would end the process or spoil the stream. Only damaged files hold such values: they are cut
+// What no code exists for would end the work or spoil the stream. Only damaged files hold such values: they are cut
 // and libjpeg warns.
 void cut_impossible_coefficients(jpeg_decompress_struct& source, const jpeg_compress_struct& turned,
                                  jvirt_barray_ptr* arrays) {
@@ -95,7 +95,7 @@ bool transform(unsigned long count, jpegdata_t& dst, const jpegdata_t& src) {
     }
     jpegdata_t stream;  // `dst` may be `src`
     decompressor_t reader(src);
-    compressor_t writer(stream);
+    compressor_t writer(stream, reader);
     jpeg_transform_info request;
     request.transform = turns[count];
     bool granted = false;
@@ -103,6 +103,8 @@ bool transform(unsigned long count, jpegdata_t& dst, const jpegdata_t& src) {
             reader.create();
             jpeg_save_markers(&reader.info, JPEG_COM, 0xFFFF);
             reader.read_header();
+            reader.refuse_oversized();
+            writer.create();
             granted = jtransform_request_workspace(reader.info, request);
             if (granted) {
                 write_turned(reader.info, writer.info, request);

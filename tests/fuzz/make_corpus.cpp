@@ -18,9 +18,12 @@ void add_photo(const std::string& corpus, blob_t file) {
         std::filesystem::create_directories(corpus + "/" + target);
         write_file(corpus + "/" + target + "/seed-" + std::to_string(++seeds), seed);
     };
-    file.resize(std::min<size_t>(file.size(), 65536));
+    constexpr size_t largest = 65536;
+    if (file.size() <= largest) {  // the rest of a large picture would only take time
+        add("jpeg", file);
+    }
+    file.resize(std::min(file.size(), largest));
     add("markers", file);
-    add("jpeg", file);
     add("summary", file);
     const std::string exif = "Exif\0\0"s;
     const auto found = std::search(file.begin() + 2, file.end(), exif.begin(), exif.end());
