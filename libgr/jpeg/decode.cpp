@@ -22,13 +22,13 @@ struct rows_t {
     [[nodiscard]] JSAMPROW row(uint32_t y) const { return bottom + stride * (height - 1 - y); }
 };
 
-bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, const jpeg_decompress_struct& info, uint64_t memory) {
+bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, decompressor_t& reader) {
     img.clear();
     img.desc = {layout.format, layout.type, layout.bits};
     img.window = {};
-    img.window.width = info.image_width;
-    img.window.height = info.image_height;
-    return img.rowsize() <= memory / img.window.height && img.allocate() && img.holds_window();
+    img.window.width = reader.info.image_width;
+    img.window.height = reader.info.image_height;
+    return reader.set_aside(img.rowsize() * img.window.height) && img.allocate() && img.holds_window();
 }
 
 struct outcome_t {
@@ -115,11 +115,9 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
     const jpeg_info_desc_t* const layout = find_layout([&info](const jpeg_info_desc_t& row) {
         return row.components == info.num_components && row.color_space == info.out_color_space;
     });
-    const uint64_t memory = memory_limit();
-    if (layout == nullptr || !make_picture(img, *layout, info, memory)) {
+    if (layout == nullptr || !make_picture(img, *layout, reader)) {
         return false;
     }
-    reader.limit_memory(memory - img.size());
     for (const auto* saved = info.marker_list; saved != nullptr; saved = saved->next) {
         const bool whole = saved->data_length != 0 && saved->data_length == saved->original_length;
         if (whole && !append_segment(markers, *saved)) {

@@ -205,7 +205,7 @@ uint64_t memory_limit() {
     if (pages > 0 && page_bytes > 0) {
         share = std::max(share, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
     }
-    return std::min(share, libutils::available_memory());
+    return std::clamp(libutils::available_memory(), uint64_t{1}, share);
 }
 
 const char* shown_name(const jpegdata_t& data) {
@@ -231,13 +231,18 @@ decompressor_t::decompressor_t(const jpegdata_t& data) : data_(&data) {
 
 void decompressor_t::create() {
     jpeg_create_decompress(&info);
-    limit_memory(memory_limit());
+    info.mem->max_memory_to_use = static_cast<long>(memory_limit());
     info.progress = &progress_;
     install_source(&info, *data_);
 }
 
-void decompressor_t::limit_memory(uint64_t bytes) {
-    info.mem->max_memory_to_use = static_cast<long>(std::max(bytes, uint64_t{1}));  // 0 means no limit
+bool decompressor_t::set_aside(uint64_t bytes) {
+    long& left = info.mem->max_memory_to_use;
+    if (bytes >= static_cast<uint64_t>(left)) {  // 0 would mean no limit
+        return false;
+    }
+    left -= static_cast<long>(bytes);
+    return true;
 }
 
 void decompressor_t::keep_segments(unsigned app_bytes) {

@@ -20,8 +20,8 @@ constexpr unsigned max_segment_bytes = 65533;
 constexpr uint32_t max_picture_side = 65500;
 
 // The most memory that a picture's pixels, and its coefficients, may take: what the machine has left, and no more than
-// a quarter of all it has, or 1 GiB where that is more; in bytes. A damaged header of a few bytes can ask for tens of
-// gigabytes.
+// a quarter of all it has, or 1 GiB where that is more; in bytes, not 0. A damaged header of a few bytes can ask for
+// tens of gigabytes.
 [[nodiscard]] uint64_t memory_limit();
 
 // The name that messages about `data` begin with; "" when it has none.
@@ -83,8 +83,8 @@ class decompressor_t {
     // Fatal error when the header asks for far more work than the file's few bytes can be worth. Behind read_header().
     void refuse_oversized();
 
-    // What libjpeg may take for all it keeps of a picture; memory_limit() at first.
-    void limit_memory(uint64_t bytes);
+    // Takes memory for other things off the limit that libjpeg keeps; false when it does not go that far.
+    [[nodiscard]] bool set_aside(uint64_t bytes);
     void silence() { errors_.silent = true; }
     // Releases all memory now.
     void close() { jpeg_destroy_decompress(&info); }
