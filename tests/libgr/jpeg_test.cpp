@@ -1,4 +1,4 @@
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -123,6 +123,35 @@ TEST(Jpeg, DecodesWhatIsThere) {
         EXPECT_EQ((wrong - found.begin()) / static_cast<long>(image.rowbyte()), right_rows);
         EXPECT_EQ(found.back() == 0, name == std::string("cut")) << "the bottom row";
     }
+}
+
+TEST(Jpeg, FewBytesMakeLittleWork) {
+    const auto resized = [](blob_t file, uint8_t frame, unsigned side, size_t bytes) {
+        const blob_t sof = {0xFF, frame};
+        const auto at = std::search(file.begin(), file.end(), sof.begin(), sof.end()) + 5;
+        at[0] = at[2] = static_cast<unsigned char>(side >> 8);
+        at[1] = at[3] = static_cast<unsigned char>(side);
+        file.resize(std::max(bytes, file.size()));
+        return in_memory(file);
+    };
+    jpeginfo_t info;
+    image2d_t image;
+    const blob_t gray = make_jpeg({.sampling = sampling_t::gray});
+    jpegdata_t photo = resized(gray, 0xC0, 14100, 65536), header = resized(gray, 0xC0, 14100, 0), turned;
+    (void)stderr_of([&] { EXPECT_TRUE(info.decompress(image, photo, 0, false, {})) << "200 megapixels, cut short"; });
+    const std::string text = "P: error detected.\nJPEG picture of 14100 x 14100 pixels in too small a file\n";
+    EXPECT_EQ(stderr_of([&] { EXPECT_FALSE(info.decompress(image, header, 0, false, {})); }),
+              text + "P: jpeg decompress fail, stop.\n");
+    EXPECT_EQ(stderr_of([&] { EXPECT_FALSE(transform(1, turned, header)); }), text);
+    blob_t file = make_jpeg({.sampling = sampling_t::gray, .progressive = true});
+    const blob_t sos = {0xFF, 0xDA};
+    const blob_t scan(std::find_end(file.begin(), file.end(), sos.begin(), sos.end()), file.end() - 2);
+    for (int n = 0; n < 20; ++n) {
+        file.insert(file.end() - 2, scan.begin(), scan.end());
+    }
+    jpegdata_t scans = resized(file, 0xC2, 8000, 0);
+    EXPECT_THAT(stderr_of([&] { EXPECT_FALSE(transform(1, turned, scans)); }),
+                testing::ContainsRegex("more than [12][0-9] scans"));
 }
 
 TEST(Jpeg, EncodesOrRefusesBeforehand) {
