@@ -1,6 +1,7 @@
 #include "album/reduced_sizes.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
@@ -339,6 +340,9 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
     if (!decode(picture, level0, ": jpegdata load() failed.", name)) {
         return false;
     }
+    // It is made last and anew. Were this stopped on the way, an old one would pass for the end of the work.
+    const std::string thumb = entry_path(dirs[level + 1], name);
+    unlink(thumb.c_str());
     for (unsigned long k = 0; k < startlevel; ++k) {
         if (!halve(picture.image, name)) {
             return false;
@@ -355,7 +359,7 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
             return false;
         }
     }
-    return write_thumbnail(entry_path(dirs[level + 1], name), name, original, picture, count);
+    return write_thumbnail(thumb, name, original, picture, count);
 }
 
 bool copyjpeg(const std::string& from, const std::string& to) {
