@@ -2,11 +2,6 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
-#include <linux/filter.h>
-#include <linux/seccomp.h>
-#include <sys/prctl.h>
-#include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -15,6 +10,7 @@
 #include "libutils/ofsvector.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "tests/support/restrictions.h"
 
 namespace fs = std::filesystem;
 using namespace libutils;
@@ -29,28 +25,13 @@ std::string text_of(const std::string& path) {
     return {bytes.begin(), bytes.end()};
 }
 
-// From here on this process finds no file system that has files without a name.
-bool forbid_unnamed_files() {
-    constexpr uint32_t flags_argument = offsetof(seccomp_data, args) + 2 * sizeof(uint64_t);
-    sock_filter program[] = {
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_openat, 0, 3),
-        BPF_STMT(BPF_LD | BPF_W | BPF_ABS, flags_argument),
-        BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, O_TMPFILE & ~O_DIRECTORY, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | EOPNOTSUPP),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
-    };
-    const sock_fprog filter{std::size(program), program};
-    return prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0 && prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0;
-}
-
 // Runs the checks here and in a process without unnamed files; a failure there has been written.
 void on_every_file_system(void (*checks)()) {
     checks();
     const pid_t child = fork();
     ASSERT_GE(child, 0);
     if (child == 0) {
-        if (!forbid_unnamed_files()) {
+        if (!test_support::forbid_unnamed_files()) {
             _exit(77);
         }
         checks();

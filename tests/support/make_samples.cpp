@@ -1,10 +1,12 @@
 #include <exception>
 #include <filesystem>
+#include <string>
 
 #include "libutils/diagnostics.h"
 #include "tests/support/photo_maker.h"
 
-// Writes a small memory card's worth of photographs, a movie and an album's texts, to try the programs on.
+// Writes a small memory card's worth of photographs, a movie and an album's texts, to try the programs on; or a card
+// with as many small photographs as wanted, of different sizes and kinds. Another seed makes other pictures.
 namespace {
 
 using namespace test_support;
@@ -40,16 +42,42 @@ std::string empty_movie() {
     return box("ftyp", std::string("qt  \0\0\0\0qt  ", 12)) + box("moov", box("mvhd", header));
 }
 
+blob_t make_photo(const sample_t& sample, unsigned seed) {
+    const photo_t photo{.width = sample.width, .height = sample.height, .sampling = sample.sampling, .seed = seed};
+    const auto orientation = static_cast<unsigned>(sample.orientation);
+    return sample.orientation < 0 ? make_jpeg(photo) : make_camera_jpeg(photo, orientation, sample.thumbnail);
+}
+
 void write_samples(const std::string& directory) {
     unsigned seed = 0;
     for (const sample_t& sample : samples) {
-        const photo_t photo{
-            .width = sample.width, .height = sample.height, .sampling = sample.sampling, .seed = ++seed};
-        const auto orientation = static_cast<unsigned>(sample.orientation);
-        write_file(directory + "/" + sample.name,
-                   sample.orientation < 0 ? make_jpeg(photo) : make_camera_jpeg(photo, orientation, sample.thumbnail));
+        write_file(directory + "/" + sample.name, make_photo(sample, ++seed));
     }
     write_file(directory + "/MVI_0008.MOV", empty_movie());
+}
+
+// Some photographs, and the movie, have more bytes than their pictures need, so that copying them takes its time.
+void write_small_samples(const std::string& directory, unsigned count, unsigned seed) {
+    constexpr size_t rest = 100'000;  // bytes
+    constexpr unsigned shrunk = 6;    // times
+    for (unsigned i = 0; i < count; ++i) {
+        sample_t sample = samples[i % std::size(samples)];
+        sample.width = sample.width / shrunk + i;
+        sample.height /= shrunk;
+        blob_t jpeg = make_photo(sample, seed + i);
+        jpeg.resize(jpeg.size() + (i % 5 == 0 ? rest + seed : 0), 'x');
+        const std::string number = std::to_string(10001 + i).substr(1);
+        write_file(directory + "/IMG_" + number + ".JPG", jpeg);
+    }
+    write_file(directory + "/MVI_9999.MOV", empty_movie() + std::string(30 * rest + seed, 'x'));
+    write_file(directory + "/IMG_0001.JPG.txt", std::string("The harbour at noon.\r\n"));
+}
+
+unsigned to_number(const char* text) {
+    return static_cast<unsigned>(std::stoul(text));
+}
+
+void write_texts(const std::string& directory) {
     const std::string title = "A day by the sea\r\n";
     write_file(directory + "/head.txt", title + title + "The first boat left at ten.\r\nWe stayed until dusk.\r\n");
     write_file(directory + "/last.txt", std::string("More next summer.\r\n"));
@@ -58,13 +86,18 @@ void write_samples(const std::string& directory) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc != 2 || argv[1][0] == '-') {
-        libutils::report("usage: make_samples <directory>");
+    if (argc < 2 || argc > 4 || argv[1][0] == '-') {
+        libutils::report("usage: make_samples <directory> [<number of small photographs> [<seed>]]");
         return 2;
     }
     try {
         std::filesystem::create_directory(argv[1]);
-        write_samples(argv[1]);
+        if (argc == 2) {
+            write_samples(argv[1]);
+        } else {
+            write_small_samples(argv[1], to_number(argv[2]), argc == 3 ? 1 : to_number(argv[3]));
+        }
+        write_texts(argv[1]);
     } catch (const std::exception& e) {
         libutils::report(e.what());
         return 1;
