@@ -107,8 +107,16 @@ JBLOCKARRAY block_rows(jpeg_decompress_struct& info, jvirt_barray_ptr array, JDI
     return info.mem->access_virt_barray(reinterpret_cast<j_common_ptr>(&info), array, y, count, writable);
 }
 
+// libjpeg clears a row that no scan has filled at every look at it, until somebody asks for it to write.
+void take_over_rows(jpeg_decompress_struct& info, jvirt_barray_ptr array, JDIMENSION count) {
+    for (JDIMENSION y = 0; y < count; ++y) {
+        static_cast<void>(block_rows(info, array, y, 1, TRUE));
+    }
+}
+
 void turn_component(jpeg_decompress_struct& info, jvirt_barray_ptr to, jvirt_barray_ptr from,
                     const turned_component_t& size, const steps_t& steps) {
+    take_over_rows(info, from, steps.transpose ? size.width : size.height);
     for (JDIMENSION top = 0; top < size.height; top += strip_rows) {
         const JDIMENSION count = std::min(strip_rows, size.height - top);
         JBLOCKROW* const to_rows = block_rows(info, to, top, count, TRUE);
