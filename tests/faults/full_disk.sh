@@ -110,6 +110,34 @@ used() {
     umount "$disk"
 }
 
+# A disk that is too small from the start is left alone, and one that may not be written too.
+refuse_disks() {
+    mount_disk 200 10000
+    cp -a "$place/empty/." "$disk"
+    ends_with 1 "$bin/talomake" "${import[@]}"
+    grep -qx "$album: [0-9.]* KiB more free space is needed for this import." "$place/errors" || fail "no room was missed"
+    is_same "$place/empty" "$disk"
+    make_room
+    ends_with 0 "$bin/talomake" "${import[@]}"
+    is_same "$place/full" "$disk"
+
+    local command
+    for command in import update; do
+        local -n arguments=$command
+        rm -rf "${disk:?}"/*
+        cp -a "$place/broken/." "$disk"
+        mount -o remount,ro "$disk"
+        ends_with 1 "$bin/talomake" "${arguments[@]}"
+        check grep -q "^$album/[a-z0-9]*/.*: " "$place/errors"
+        is_same "$place/broken" "$disk"
+        mount -o remount,rw "$disk"
+        ends_with 0 "$bin/talomake" "${arguments[@]}"
+        is_same "$place/full" "$disk"
+    done
+    umount "$disk"
+    echo "a disk that is too small, and one that may not be written: left alone"
+}
+
 #   fill_disks <name> <start> <goal> <arguments>...
 fill_disks() {
     local name=$1 start=$2 goal=$3 value
@@ -163,6 +191,7 @@ limit_files() {
 prepare
 if mount_disk 1024 100 2>/dev/null; then
     umount "$disk"
+    refuse_disks
     stages=(comments copy "level 0" "reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages" "book's page")
     fill_disks import "$place/empty" "$place/full" "${import[@]}"
     stages=("reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages")

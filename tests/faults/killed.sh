@@ -24,7 +24,7 @@ replaced=$place/replaced
 sizes=(--shrink-size 160,120 --progress always)
 turned=(--rotate IMG_0002.JPG=90 --rotate IMG_0004.JPG=180)
 import=(album "${sizes[@]}" "${turned[@]}" "$card" "$album")
-replace=("${import[@]}" --replace --title "A day by the sea")
+replace=("${import[@]}" --replace --verify --title "A day by the sea")
 update=(update "${sizes[@]}" "$album")
 declare -A killed_in
 
@@ -54,7 +54,7 @@ prepare_references() {
 
     mv "$card" "$place/new-card"
     "$bin/make_samples" "$card" "$photographs" 1000
-    ends_with 0 "$bin/talomake" "${import[@]}" --title Older
+    ends_with 0 "$bin/talomake" "${import[@]}" --verify --title Older
     cp -a "$album" "$older"
     rm -r "$card"
     mv "$place/new-card" "$card"
@@ -154,5 +154,5 @@ for restricted in "" "$bin/restricted --no-unnamed-files"; do
     how=${restricted[*]:+ without unnamed files}
     kill_often "import$how" "" "$imported" "${import[@]}"
     kill_often "update$how" "$broken" "$updated" "${update[@]}"
-    kill_often "import over another album$how" "$older" "$replaced" "${replace[@]}"
+    kill_often "verified import over another album$how" "$older" "$replaced" "${replace[@]}"
 done
