@@ -263,7 +263,7 @@ void decompressor_t::read_header() {
 
 bool decompressor_t::has_whole_file() const {
     const bool whole = data_->is_intact();
-    if (!whole) {
+    if (!whole && !errors_.silent) {
         libutils::report(shown_name(*data_), ": error detected.");
         libutils::report("File became shorter while it was read");
     }
@@ -288,6 +288,7 @@ compressor_t::compressor_t(jpegdata_t& out) : out_(out) {
 
 compressor_t::compressor_t(jpegdata_t& out, decompressor_t& reader) : out_(out) {
     install_errors(errors_, reader.jump_, *reader.data_);
+    errors_.silent = reader.errors_.silent;
     info.err = &errors_;
 }
 

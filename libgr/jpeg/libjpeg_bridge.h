@@ -85,6 +85,7 @@ class decompressor_t {
 
     // Takes memory for other things off the limit that libjpeg keeps; false when it does not go that far.
     [[nodiscard]] bool set_aside(uint64_t bytes);
+    // From now on nothing is reported.
     void silence() { errors_.silent = true; }
     // Releases all memory now.
     void close() { jpeg_destroy_decompress(&info); }
@@ -112,7 +113,7 @@ class decompressor_t {
 class compressor_t {
   public:
     explicit compressor_t(jpegdata_t& out);
-    // Errors of this one jump back to an attempt of `reader`, and messages name what it reads.
+    // Errors of this one jump back to an attempt of `reader`, and messages name what it reads, or are silent as it is.
     compressor_t(jpegdata_t& out, decompressor_t& reader);
     ~compressor_t() { jpeg_destroy_compress(&info); }
     compressor_t(const compressor_t&) = delete;

@@ -1,0 +1,280 @@
+#include "libgr/jpeg/reduction.h"
+
+#include <algorithm>
+#include <array>
+
+#include "libgr/image/halve_rows.h"
+#include "libgr/jpeg/reduced_level.h"
+#include "libgr/jpeg/ycc_rows.h"
+
+namespace libgr {
+
+namespace {
+
+// A picture's sides have 16 bits, which 16 halvings use up (ITU-T T.81 B.2.2).
+constexpr size_t max_levels = 16;
+constexpr size_t row_alignment = 64;
+
+size_t round_up(size_t count, size_t unit) {
+    return (count + unit - 1) / unit * unit;
+}
+
+// Takes the picture from the decompressor and hands halved rows to the first level. One of the two below.
+//
+// The decompressor's planes before upsampling: upsampling, colours and halving then are one pass while the rows lie in
+// the processor's cache.
+class planes_source_t {
+  public:
+    // True for layouts that ycc_rows.h knows, large enough that libjpeg upsamples them so.
+    [[nodiscard]] static bool fits(const jpeg_decompress_struct& info);
+
+    [[nodiscard]] bool prepare(const jpeg_decompress_struct& info);
+    void read(decompressor_t& reader, reduced_level_t& level);
+
+  private:
+    static constexpr JDIMENSION max_imcu_rows = 2 * DCTSIZE;
+
+    struct chroma_t {
+        std::array<JSAMPROW, 2 * DCTSIZE> rows{};  // two iMCU rows
+        std::array<int16_t*, 2> upsampled{};       // of the two picture rows in work
+    };
+
+    void halve_rows_up_to(JDIMENSION end, JDIMENSION height, reduced_level_t& level);
+    void upsample(chroma_t& chroma, JDIMENSION y, unsigned which) const;
+
+    bool halved_height_ = false;  // 4:2:0, else 4:2:2
+    JDIMENSION imcu_rows_ = 0;    // pixel rows
+    JDIMENSION chroma_width_ = 0;
+    JDIMENSION chroma_height_ = 0;
+    JDIMENSION next_row_ = 0;  // upper of the next pair
+
+    libutils::bytes_t memory_;
+    std::array<JSAMPROW, 2 * max_imcu_rows> y_{};  // two iMCU rows
+    chroma_t cb_;
+    chroma_t cr_;
+};
+
+bool planes_source_t::fits(const jpeg_decompress_struct& info) {
+#ifdef LIBJPEG_TURBO_VERSION
+    // Narrower chroma is not interpolated.
+    constexpr JDIMENSION smallest = 4 * DCTSIZE;
+    if (info.num_components != 3 || info.jpeg_color_space != JCS_YCbCr || info.out_color_space != JCS_RGB ||
+        info.image_width < smallest || info.image_height < smallest) {
+        return false;
+    }
+    const auto has_factors = [&info](int index, int h, int v) {
+        return info.comp_info[index].h_samp_factor == h && info.comp_info[index].v_samp_factor == v;
+    };
+    return (has_factors(0, 2, 1) || has_factors(0, 2, 2)) && has_factors(1, 1, 1) && has_factors(2, 1, 1);
+#else
+    // Other libraries upsample in other ways.
+    return info.num_components < 0;
+#endif
+}
+
+bool planes_source_t::prepare(const jpeg_decompress_struct& info) {
+    halved_height_ = info.comp_info[0].v_samp_factor == 2;
+    imcu_rows_ = halved_height_ ? 2 * DCTSIZE : DCTSIZE;
+    chroma_width_ = (info.image_width + 1) / 2;
+    chroma_height_ = halved_height_ ? (info.image_height + 1) / 2 : info.image_height;
+    next_row_ = info.image_height % 2;
+
+    const size_t chroma_stride = round_up(round_up(chroma_width_, DCTSIZE), row_alignment);
+    const size_t luma_stride = 2 * chroma_stride;
+    // One value more at either end.
+    const size_t upsampled_stride = round_up((chroma_width_ + 2) * sizeof(int16_t), row_alignment) + row_alignment;
+    if (!memory_.resize(2 * imcu_rows_ * luma_stride + 4 * DCTSIZE * chroma_stride + 4 * upsampled_stride)) {
+        return false;
+    }
+    unsigned char* free = memory_.begin();
+    const auto take = [&free](size_t size) {
+        unsigned char* const row = free;
+        free += size;
+        return row;
+    };
+    std::generate_n(y_.begin(), 2 * imcu_rows_, [&] { return take(luma_stride); });
+    for (chroma_t* const chroma : {&cb_, &cr_}) {
+        std::generate(chroma->rows.begin(), chroma->rows.end(), [&] { return take(chroma_stride); });
+        for (int16_t*& row : chroma->upsampled) {
+            row = reinterpret_cast<int16_t*>(take(upsampled_stride) + row_alignment);
+        }
+    }
+    return true;
+}
+
+void planes_source_t::read(decompressor_t& reader, reduced_level_t& level) {
+    jpeg_decompress_struct& info = reader.info;
+    info.raw_data_out = TRUE;
+    jpeg_start_decompress(&info);
+    for (JDIMENSION half = 0; info.output_scanline < info.output_height; half = 1 - half) {
+        JSAMPARRAY planes[] = {y_.data() + half * imcu_rows_, cb_.rows.data() + half * DCTSIZE,
+                               cr_.rows.data() + half * DCTSIZE};
+        if (jpeg_read_raw_data(&info, planes, imcu_rows_) == 0 || reader.warnings() != 0) {
+            return;
+        }
+        const bool last = info.output_scanline >= info.output_height;
+        // The last row's chroma depends on the row below.
+        halve_rows_up_to(last ? info.output_height : info.output_scanline - (halved_height_ ? 1 : 0),
+                         info.output_height, level);
+    }
+    jpeg_finish_decompress(&info);
+}
+
+void planes_source_t::halve_rows_up_to(JDIMENSION end, JDIMENSION height, reduced_level_t& level) {
+    for (; next_row_ + 1 < std::min(end, height); next_row_ += 2) {
+        for (unsigned i = 0; i < 2; ++i) {
+            upsample(cb_, next_row_ + i, i);
+            upsample(cr_, next_row_ + i, i);
+        }
+        const auto row = [this](unsigned i) {
+            return ycc_row_t{y_[(next_row_ + i) % (2 * imcu_rows_)], cb_.upsampled[i], cr_.upsampled[i]};
+        };
+        halve_ycc_rows(level.row_to_fill().data(), row(0), row(1), level.width(), halved_height_);
+        level.take_row();
+    }
+}
+
+void planes_source_t::upsample(chroma_t& chroma, JDIMENSION y, unsigned which) const {
+    const auto row = [&chroma](JDIMENSION index) { return chroma.rows[index % chroma.rows.size()]; };
+    if (!halved_height_) {
+        copy_chroma_row(chroma.upsampled[which], row(y), chroma_width_);
+        return;
+    }
+    const JDIMENSION nearer = y / 2;
+    const JDIMENSION above = nearer == 0 ? 0 : nearer - 1;
+    const JDIMENSION below = std::min(nearer + 1, chroma_height_ - 1);
+    sum_chroma_rows(chroma.upsampled[which], row(nearer), row(y % 2 == 0 ? above : below), chroma_width_);
+}
+
+// The decompressor's finished rows, of every other layout.
+class rows_source_t {
+  public:
+    [[nodiscard]] bool prepare(const jpeg_decompress_struct& info) {
+        gray_ = info.num_components == 1;
+        stride_ = round_up(size_t{info.image_width} * (gray_ ? 1 : 3), row_alignment);
+        return memory_.resize(2 * stride_);
+    }
+    void read(decompressor_t& reader, reduced_level_t& level);
+
+  private:
+    void halve(reduced_level_t& level);
+
+    bool gray_ = false;
+    size_t stride_ = 0;
+    libutils::bytes_t memory_;  // two rows
+};
+
+void rows_source_t::read(decompressor_t& reader, reduced_level_t& level) {
+    jpeg_decompress_struct& info = reader.info;
+    jpeg_start_decompress(&info);
+    if (info.output_components != (gray_ ? 1 : 3) || stride_ / (gray_ ? 1 : 3) < info.output_width) {
+        ERREXIT(&info, JERR_WIDTH_OVERFLOW);
+    }
+    const JDIMENSION dropped = info.output_height % 2;
+    while (info.output_scanline < info.output_height) {
+        const bool upper = info.output_scanline < dropped || (info.output_scanline - dropped) % 2 == 0;
+        JSAMPROW row = memory_.begin() + (upper ? 0 : stride_);
+        if (jpeg_read_scanlines(&info, &row, 1) == 0 || reader.warnings() != 0) {
+            return;
+        }
+        if (!upper) {
+            halve(level);
+        }
+    }
+    jpeg_finish_decompress(&info);
+}
+
+void rows_source_t::halve(reduced_level_t& level) {
+    const unsigned char* const row0 = memory_.begin();
+    const unsigned char* const row1 = row0 + stride_;
+    const plane_rows_t& to = level.row_to_fill();
+    if (gray_) {
+        (void)halve_rows(to[0], row0, row1, level.width(), 1);
+    } else {
+        halve_rgb_rows(to.data(), row0, row1, level.width());
+    }
+    level.take_row();
+}
+
+// The cascade.
+class levels_t {
+  public:
+    [[nodiscard]] bool prepare(reduction_t& reduction, decompressor_t& reader);
+    void run(const reduction_t& reduction, decompressor_t& reader);
+
+    [[nodiscard]] bool prepare_source(const jpeg_decompress_struct& info) {
+        from_planes_ = planes_source_t::fits(info);
+        return from_planes_ ? planes_.prepare(info) : rows_.prepare(info);
+    }
+
+  private:
+    size_t count_ = 0;
+    std::array<reduced_level_t, max_levels> levels_;
+    bool from_planes_ = false;
+    planes_source_t planes_;
+    rows_source_t rows_;
+};
+
+// The number of the lowest wanted level, from 1; 0 when there is none.
+size_t lowest_wanted(const reduction_t& reduction) {
+    const auto last = std::find_if(reduction.levels.rbegin(), reduction.levels.rend(),
+                                   [](const reduction_t::level_t& level) { return level.wanted; });
+    return static_cast<size_t>(reduction.levels.rend() - last);
+}
+
+bool levels_t::prepare(reduction_t& reduction, decompressor_t& reader) {
+    const jpeg_decompress_struct& info = reader.info;
+    const bool color = info.num_components == 3 && info.out_color_space == JCS_RGB;
+    const bool gray = info.num_components == 1 && info.out_color_space == JCS_GRAYSCALE;
+    count_ = lowest_wanted(reduction);
+    if (!(color || gray) || count_ == 0 || count_ > max_levels ||
+        std::min(info.image_width, info.image_height) >> count_ == 0) {
+        return false;
+    }
+    for (size_t i = 0; i < count_; ++i) {
+        reduced_level_t* const next = i + 1 < count_ ? &levels_[i + 1] : nullptr;
+        if (!levels_[i].prepare(info.image_width >> (i + 1), info.image_height >> (i + 1), color ? 3 : 1, next)) {
+            return false;
+        }
+        if (reduction.levels[i].wanted) {
+            reduction.levels[i].stream.clear();
+            levels_[i].encode_into(reduction.levels[i].stream, reader);
+        }
+    }
+    return prepare_source(info);
+}
+
+void levels_t::run(const reduction_t& reduction, decompressor_t& reader) {
+    for (size_t i = 0; i < count_; ++i) {
+        if (levels_[i].is_encoded()) {
+            levels_[i].start(reduction.quality, reduction.levels[i].with_segments ? reader.info.marker_list : nullptr);
+        }
+    }
+    if (from_planes_) {
+        planes_.read(reader, levels_[0]);
+    } else {
+        rows_.read(reader, levels_[0]);
+    }
+    for (size_t i = 0; i < count_ && reader.warnings() == 0; ++i) {
+        if (levels_[i].is_encoded()) {
+            levels_[i].finish();
+        }
+    }
+}
+
+}  // namespace
+
+bool reduce(reduction_t& reduction, const jpegdata_t& source) {
+    decompressor_t reader(source);
+    reader.silence();
+    levels_t levels;
+    return reader.attempt([&] {
+        reader.create();
+        reader.keep_segments(0xFFFF);
+        reader.read_header();
+        reader.refuse_oversized();
+    }) && levels.prepare(reduction, reader) &&
+           reader.attempt([&] { levels.run(reduction, reader); }) && reader.warnings() == 0;
+}
+
+}  // namespace libgr

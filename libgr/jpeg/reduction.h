@@ -1,0 +1,30 @@
+#pragma once
+
+#include <vector>
+
+#include "libgr/jpeg/jpegdata.h"
+
+namespace libgr {
+
+// The reduced sizes of a photograph, each as a JPEG file.
+struct reduction_t {
+    struct level_t {
+        bool wanted = false;
+        bool with_segments = false;  // carries the photograph's application and comment segments
+        jpegdata_t stream;           // filled when wanted
+    };
+
+    int quality = 100;            // libjpeg's scale, cut to 0 to 100
+    std::vector<level_t> levels;  // levels[k - 1] is level k: the photograph halved k times
+};
+
+// Makes the wanted levels of `source` in one pass over its rows: never is a whole picture in memory, except for the
+// coefficients of a file in several scans. Every byte is the one that jpeginfo_t::decompress(), scaledown() once a
+// level and jpeginfo_t::compress() make.
+//
+// False, without a message, for whatever is not a plain good case: a file that libjpeg has anything to say about,
+// another layout than RGB or grayscale, a wanted level without pixels, no wanted level, memory that is short. What is
+// wrong will then be found, and told, by those three functions; the streams are of no use.
+[[nodiscard]] bool reduce(reduction_t& reduction, const jpegdata_t& source);
+
+}  // namespace libgr
