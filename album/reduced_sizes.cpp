@@ -12,6 +12,7 @@
 
 #include "album/engine_step.h"
 #include "album/jobs.h"
+#include "album/level_picture.h"
 #include "libgr/exif/app1_marker.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpegdata.h"
@@ -25,18 +26,11 @@ namespace taloram {
 
 namespace {
 
-using markers_t = std::list<libgr::jpeginfo_t::marker_t>;
-
 // What the copies of a photograph take from its original.
 struct original_t {
     std::string path;
     std::optional<unsigned long> orientation;  // EXIF Orientation
     libutils::bytes_t thumbnail;               // JPEG, empty without one
-};
-
-struct picture_t {
-    libgr::image2d_t image;
-    markers_t markers;
 };
 
 // False, after a report, when `dirs` can't hold the levels and the thumbnail.
@@ -111,37 +105,6 @@ bool write_level0(const original_t& original, const std::string& level0, const s
     return written;
 }
 
-bool decode(picture_t& picture, const std::string& path, const char* load_failure, const std::string& decode_subject) {
-    libgr::jpegdata_t data;
-    if (!data.load(path.c_str())) {
-        libutils::report(path, load_failure);
-        return false;
-    }
-    libgr::jpeginfo_t info;
-    if (!info.decompress(picture.image, data, 0, false, libgr::color3ub_t())) {
-        libutils::report(decode_subject, ": decompress() failed.");
-        return false;
-    }
-    picture.markers = info.markers;
-    return true;
-}
-
-bool halve(libgr::image2d_t& image, const std::string& subject) {
-    if (!libgr::scaledown(image, image)) {
-        libutils::report(subject, ": scaledown() failed.");
-        return false;
-    }
-    return true;
-}
-
-bool save_level(const std::string& path, picture_t& picture) {
-    if (!savejpeg(path, picture.image, picture.markers)) {
-        libutils::report(path, ": savejpeg failed.");
-        return false;
-    }
-    return true;
-}
-
 bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& thumbnail, unsigned long count) {
     libgr::jpegdata_t data;
     data.setvector(thumbnail, path.c_str());
@@ -159,14 +122,14 @@ bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& th
 
 // The camera's own thumbnail turned by `count`; without one `picture`, which has half the size of the top level, is
 // halved once more.
-bool write_thumbnail(const std::string& path, const std::string& name, const original_t& original, picture_t& picture,
-                     unsigned long count) {
+bool write_thumbnail(const std::string& path, const std::string& name, const original_t& original,
+                     level_picture_t& picture, unsigned long count) {
     if (!original.thumbnail.empty()) {
         return write_camera_thumbnail(path, original.thumbnail, count);
     }
     talolib::trace(std::cout, path, ": is scale down thumbnail.");
-    picture.markers.clear();
-    return halve(picture.image, name) && save_level(path, picture);
+    picture.drop_segments();
+    return picture.halve(name) && picture.save(path);
 }
 
 bool ends_the_run(const files_t& /*file*/) {
@@ -291,25 +254,37 @@ bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, c
     // A photograph that the user left alone stays as shot, whatever its orientation says: browsers turn it by the
     // segments that every level then keeps. The camera's thumbnail has none and is turned in any case.
     const std::string level0 = entry_path(dirs[0], name);
-    picture_t picture;
-    if (!write_level0(original, level0, name, turned, count) || !decode(picture, level0, ": load() failed.", level0)) {
+    const std::string thumb = entry_path(dirs[level + 1], name);
+    if (!write_level0(original, level0, name, turned, count)) {
+        return false;
+    }
+    level_picture_t picture;
+    size_t halvings = 1;
+    for (unsigned long k = 1; k <= level; ++k) {
+        if (need_update(original.path, entry_path(dirs[k], name))) {
+            picture.expect_save(halvings++, !turned);
+        }
+    }
+    if (original.thumbnail.empty() && need_update(original.path, thumb)) {
+        picture.expect_save(halvings + 1, false);
+    }
+    if (!picture.open(level0, ": load() failed.", level0)) {
         return false;
     }
     if (turned) {
-        picture.markers.clear();
+        picture.drop_segments();
     }
-    if (!halve(picture.image, name)) {
+    if (!picture.halve(name)) {
         return false;
     }
     for (unsigned long k = 1; k <= level; ++k) {
         const std::string path = entry_path(dirs[k], name);
         // No halving for a level that is skipped, on purpose. An import removed the sizes of an old original before,
         // so that it skips none.
-        if (need_update(original.path, path) && (!save_level(path, picture) || !halve(picture.image, path))) {
+        if (need_update(original.path, path) && (!picture.save(path) || !picture.halve(path))) {
             return false;
         }
     }
-    const std::string thumb = entry_path(dirs[level + 1], name);
     return !need_update(original.path, thumb) || write_thumbnail(thumb, name, original, picture, count);
 }
 
@@ -336,26 +311,32 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
         return true;
     }
 
-    picture_t picture;
-    if (!decode(picture, level0, ": jpegdata load() failed.", name)) {
+    // From level 0 on a turned photograph is written at the settings' quality, level 0 included. Of any other level 0
+    // is the copy from above and stays one, even when the original comes from a camera whose clock is ahead.
+    const auto is_saved = [&](unsigned long k) { return turned || (k != 0 && outdated(dirs[k])); };
+    level_picture_t picture;
+    for (unsigned long k = startlevel; k <= level; ++k) {
+        if (is_saved(k)) {
+            picture.expect_save(k, true);
+        }
+    }
+    if (original.thumbnail.empty()) {
+        picture.expect_save(std::max(startlevel, level + 1) + 1, false);
+    }
+    if (!picture.open(level0, ": jpegdata load() failed.", name)) {
         return false;
     }
     // It is made last and anew. Were this stopped on the way, an old one would pass for the end of the work.
     const std::string thumb = entry_path(dirs[level + 1], name);
     unlink(thumb.c_str());
     for (unsigned long k = 0; k < startlevel; ++k) {
-        if (!halve(picture.image, name)) {
+        if (!picture.halve(name)) {
             return false;
         }
     }
-    // From level 0 on a turned photograph is written at the settings' quality, level 0 included. Of any other level 0
-    // is the copy from above and stays one, even when the original comes from a camera whose clock is ahead.
     for (unsigned long k = startlevel; k <= level; ++k) {
         const std::string path = entry_path(dirs[k], name);
-        if ((turned || (k != 0 && outdated(dirs[k]))) && !save_level(path, picture)) {
-            return false;
-        }
-        if (!halve(picture.image, path)) {
+        if ((is_saved(k) && !picture.save(path)) || !picture.halve(path)) {
             return false;
         }
     }
@@ -391,17 +372,24 @@ bool savejpeg(const std::string& path, libgr::image2d_t& image, std::list<libgr:
     libgr::jpeginfo_t info;
     info.markers = markers;
     libgr::jpegdata_t data;
-    constexpr uint64_t best_quality = 100;
-    const auto quality = static_cast<int>(std::min(g_global.jpeg_compress, best_quality));
-    if (!info.compress(data, image, quality, true)) {
+    if (!info.compress(data, image, encoding_quality(), true)) {
         libutils::report(path, ": svjinfo compress() failed.");
         return false;
     }
-    if (!data.save(path.c_str())) {
+    return save_encoded_jpeg(path, data);
+}
+
+bool save_encoded_jpeg(const std::string& path, libgr::jpegdata_t& data) {
+    const bool saved = data.save(path.c_str());
+    if (!saved) {
         libutils::report(path, "svjdata save() failed.");
-        return false;
     }
-    return true;
+    return saved;
+}
+
+int encoding_quality() {
+    constexpr uint64_t best_quality = 100;
+    return static_cast<int>(std::min(g_global.jpeg_compress, best_quality));
 }
 
 }  // namespace taloram

@@ -53,4 +53,10 @@ using failed_file_t = std::function<bool(const files_t& file)>;
 [[nodiscard]] bool savejpeg(const std::string& path, libgr::image2d_t& image,
                             std::list<libgr::jpeginfo_t::marker_t>& markers);
 
+// Its second half, for a picture that is encoded already.
+[[nodiscard]] bool save_encoded_jpeg(const std::string& path, libgr::jpegdata_t& data);
+
+// The settings' quality, on libjpeg's scale.
+[[nodiscard]] int encoding_quality();
+
 }  // namespace taloram
