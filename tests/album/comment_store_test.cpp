@@ -42,3 +42,18 @@ TEST_F(comment_store_test, upper_case_names_are_read_until_the_first_save) {
     EXPECT_EQ("false\n" + head_path + ": file write error.\n",
               outcome([&] { return savecommenttxt(album, "Trip", "", ""); }));
 }
+
+TEST_F(comment_store_test, texts_that_find_no_room_leave_the_old_ones) {
+    ASSERT_TRUE(savecommenttxt(album, "Old", "one", "two") && savephotocomment("three", album, "p.jpg"));
+    const test_support::file_size_limit_t limit(500);
+    const std::string path = album + "/txt/";
+    const std::string much(501, 'x');
+    EXPECT_EQ("false\n" + path + "head.txt: file write error.\n",
+              outcome([&] { return savecommenttxt(album, much, "", ""); }));
+    EXPECT_EQ("false\n" + path + "last.txt: file write error.\n",
+              outcome([&] { return savecommenttxt(album, "New", "", much); }));
+    EXPECT_EQ("false\n" + path + "p.jpg.txt: write open error, File too large\n",
+              outcome([&] { return savephotocomment(much, album, "p.jpg"); }));
+    EXPECT_EQ("New\r\nNew\r\n", text_of(path + "head.txt"));
+    EXPECT_EQ("two\r\nthree\r\n", text_of(path + "last.txt") + text_of(path + "p.jpg.txt"));
+}

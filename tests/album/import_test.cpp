@@ -1,9 +1,5 @@
 #include "album/import.h"
 
-#include <sys/resource.h>
-
-#include <csignal>
-
 #include "album/album_update.h"
 #include "tests/album/album_fixture.h"
 
@@ -69,15 +65,10 @@ TEST_F(import_test, a_failed_copy_ends_the_import) {
         EXPECT_EQ((std::vector{album + "/original/a.jpg"}), files_below(album)) << "a partial copy or a later file";
     }
     put(card + "/a.jpg", std::string(4000, 'b'));
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit small{1000, limit.rlim_max};
-    std::signal(SIGXFSZ, SIG_IGN);  // writes fail instead, as on a full disk
-    setrlimit(RLIMIT_FSIZE, &small);
+    const test_support::file_size_limit_t limit(1000);
     const std::string failure = outcome([&] {
         return makealbumwithrotate(card, {{"a.jpg", 0}}, album, silent, silent, silent, silent);
     });
-    setrlimit(RLIMIT_FSIZE, &limit);
     EXPECT_EQ("false\n" + album + "/original/a.jpg: file copy failed.\ncopyfiles() failed.\n", failure);
     EXPECT_EQ("a", text_of(album + "/original/a.jpg"));
 }

@@ -49,6 +49,11 @@ TEST(Settings, FileKeepsEverySetting) {
     EXPECT_EQ(std::string(file.begin(), file.end()),
               "from= a=b \r\nalbum=\r\nshrink_size=12800,768\r\njpeg_compress=7\r\nhorizontal_items=5\r\nhtml_header=" +
                   settings.html_header + "\r\nhtml_address=" + settings.html_address + "\r\n");
+    {
+        const test_support::file_size_limit_t limit(file.size() / 2);
+        taloram::saveini("", "taloram");
+    }
+    EXPECT_EQ(test_support::read_file(home / ".taloram"), file) << "the old file, when there is no room for a new one";
     g_global = taloram::global_t();
     ASSERT_TRUE(taloram::loadini("", "taloram"));
     EXPECT_EQ(g_global.from, " a=b ");

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <clocale>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <stdexcept>
@@ -76,6 +77,17 @@ std::vector<std::string> files_below(const std::string& directory) {
     }
     std::sort(files.begin(), files.end());
     return files;
+}
+
+file_size_limit_t::file_size_limit_t(rlim_t size) {
+    std::signal(SIGXFSZ, SIG_IGN);  // writes fail instead
+    getrlimit(RLIMIT_FSIZE, &before_);
+    const rlimit limit{size, before_.rlim_max};
+    setrlimit(RLIMIT_FSIZE, &limit);
+}
+
+file_size_limit_t::~file_size_limit_t() {
+    setrlimit(RLIMIT_FSIZE, &before_);
 }
 
 grouping_locale_t::grouping_locale_t() : c_locale_before_(std::setlocale(LC_ALL, nullptr)) {

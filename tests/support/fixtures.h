@@ -1,5 +1,7 @@
 #pragma once
 
+#include <sys/resource.h>
+
 #include <functional>
 #include <locale>
 #include <string>
@@ -32,6 +34,18 @@ class temp_dir_t {
 
 // Every regular file below `directory`, sorted; the paths begin with `directory`. Empty when it can't be read.
 [[nodiscard]] std::vector<std::string> files_below(const std::string& directory);
+
+// No file becomes larger than `size` bytes while it lives: what is beyond fails, as on a full disk.
+class file_size_limit_t {
+  public:
+    explicit file_size_limit_t(rlim_t size);
+    ~file_size_limit_t();
+    file_size_limit_t(const file_size_limit_t&) = delete;
+    file_size_limit_t& operator=(const file_size_limit_t&) = delete;
+
+  private:
+    rlimit before_{};
+};
 
 // Sets the global C++ locale to a form that groups digits and writes decimal commas while it lives.
 class grouping_locale_t {
