@@ -2,43 +2,29 @@
 
 #include <cstring>
 
+#include "libgr/image/halve_rows.h"
 #include "libutils/diagnostics.h"
 
 namespace libgr {
 
 namespace {
 
-// One row of halved pixels of `components` bytes from two rows of the source.
-template <unsigned components>
-void halve_row(unsigned char* dst, const unsigned char* row0, const unsigned char* row1, uint32_t width) {
-    for (uint32_t x = 0; x < width; ++x) {
-        for (unsigned c = 0; c < components; ++c) {
-            dst[c] = static_cast<unsigned char>((row0[c] + row0[c + components] + row1[c] + row1[c + components]) >> 2);
-        }
-        dst += components;
-        row0 += 2 * components;
-        row1 += 2 * components;
-    }
-}
-
-using halve_row_t = void (*)(unsigned char*, const unsigned char*, const unsigned char*, uint32_t);
-
-// Null for a layout that can't be halved.
-halve_row_t halve_row_of(const image_desc_t& desc) {
+// Bytes of a pixel that can be halved; 0 for other layouts.
+unsigned halved_components(const image_desc_t& desc) {
     if (desc.bits != IMAGE_BITS_8) {
-        return nullptr;
+        return 0;
     }
     switch (desc.format) {
         case IMAGE_FORMAT_GRAYSCALE:
-            return halve_row<1>;
+            return 1;
         case IMAGE_FORMAT_RGB:
         case IMAGE_FORMAT_BGR:
-            return halve_row<3>;
+            return 3;
         case IMAGE_FORMAT_RGBA:
         case IMAGE_FORMAT_BGRA:
-            return halve_row<4>;
+            return 4;
         default:
-            return nullptr;
+            return 0;
     }
 }
 
@@ -59,15 +45,17 @@ bool scaledown(image2d_t& dst, const image2d_t& src) {
         libutils::report("scaledown(): allocate() fail.");
         return false;
     }
-    const halve_row_t halve = halve_row_of(source.desc);
-    if (halve == nullptr) {
+    const unsigned components = halved_components(source.desc);
+    if (components == 0) {
         libutils::report("scaledown(): ", source.desc.format, ": unsupported format.");
         return false;
     }
     const uint64_t stride = source.rowsize();
     for (uint32_t y = 0; y < dst.window.height; ++y) {
         const unsigned char* row = source.pixel(0, 2 * y);
-        halve(dst.pixel(0, y), row, row + stride, dst.window.width);
+        if (!halve_rows(dst.pixel(0, y), row, row + stride, dst.window.width, components)) {
+            return false;
+        }
     }
     return true;
 }
