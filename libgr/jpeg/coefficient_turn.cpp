@@ -114,22 +114,47 @@ void take_over_rows(jpeg_decompress_struct& info, jvirt_barray_ptr array, JDIMEN
     }
 }
 
+// Turns block rows `top` on into `to_rows`. One row of the source at a time: libjpeg's arrays are asked once a row.
+void turn_block_rows(jpeg_decompress_struct& info, JBLOCKROW* to_rows, JDIMENSION top, JDIMENSION count,
+                     jvirt_barray_ptr from, const turned_component_t& size, const steps_t& steps) {
+    const auto mirrored_x = [&](JDIMENSION x) { return steps.left_right && x < size.mirror_width; };
+    const auto mirrored_y = [&](JDIMENSION y) { return steps.top_bottom && y < size.mirror_height; };
+    const auto from_x = [&](JDIMENSION x) { return mirrored_x(x) ? size.mirror_width - 1 - x : x; };
+    const auto from_y = [&](JDIMENSION y) { return mirrored_y(y) ? size.mirror_height - 1 - y : y; };
+    const auto turn = [&](JDIMENSION x, JDIMENSION y, const JBLOCK& block) {
+        turn_block_of(steps.transpose, mirrored_x(x), mirrored_y(y))(to_rows[y - top][x], block);
+    };
+    if (steps.transpose) {
+        for (JDIMENSION x = 0; x < size.width; ++x) {
+            const JBLOCK* const row = block_rows(info, from, from_x(x), 1, FALSE)[0];
+            for (JDIMENSION y = top; y < top + count; ++y) {
+                turn(x, y, row[from_y(y)]);
+            }
+        }
+    } else {
+        for (JDIMENSION y = top; y < top + count; ++y) {
+            const JBLOCK* const row = block_rows(info, from, from_y(y), 1, FALSE)[0];
+            for (JDIMENSION x = 0; x < size.width; ++x) {
+                turn(x, y, row[from_x(x)]);
+            }
+        }
+    }
+}
+
 void turn_component(jpeg_decompress_struct& info, jvirt_barray_ptr to, jvirt_barray_ptr from,
                     const turned_component_t& size, const steps_t& steps) {
     take_over_rows(info, from, steps.transpose ? size.width : size.height);
-    for (JDIMENSION top = 0; top < size.height; top += strip_rows) {
-        const JDIMENSION count = std::min(strip_rows, size.height - top);
-        JBLOCKROW* const to_rows = block_rows(info, to, top, count, TRUE);
-        for (JDIMENSION x = 0; x < size.width; ++x) {
-            const bool mirror_x = steps.left_right && x < size.mirror_width;
-            const JDIMENSION from_x = mirror_x ? size.mirror_width - 1 - x : x;
-            for (JDIMENSION y = top; y < top + count; ++y) {
-                const bool mirror_y = steps.top_bottom && y < size.mirror_height;
-                const JDIMENSION from_y = mirror_y ? size.mirror_height - 1 - y : y;
-                const JBLOCK& block = steps.transpose ? block_rows(info, from, from_x, 1, FALSE)[0][from_y]
-                                                      : block_rows(info, from, from_y, 1, FALSE)[0][from_x];
-                turn_block_of(steps.transpose, mirror_x, mirror_y)(to_rows[y - top][x], block);
-            }
+    const JDIMENSION padded_width = round_up(size.width, size.h_factor);
+    const JDIMENSION padded_height = round_up(size.height, size.v_factor);
+    for (JDIMENSION top = 0; top < padded_height; top += strip_rows) {
+        const JDIMENSION rows = std::min(strip_rows, padded_height - top);
+        const JDIMENSION count = top < size.height ? std::min(rows, size.height - top) : 0;
+        JBLOCKROW* const to_rows = block_rows(info, to, top, rows, TRUE);
+        turn_block_rows(info, to_rows, top, count, from, size, steps);
+        // What fills the last iMCUs has no source.
+        for (JDIMENSION y = 0; y < rows; ++y) {
+            const JDIMENSION filled = y < count ? size.width : 0;
+            std::memset(to_rows[y][filled], 0, (padded_width - filled) * sizeof(JBLOCK));
         }
     }
 }
@@ -234,7 +259,7 @@ bool jtransform_request_workspace(jpeg_decompress_struct& source, jpeg_transform
         common, JPOOL_IMAGE, static_cast<size_t>(source.num_components) * sizeof(jvirt_barray_ptr)));
     for (int i = 0; i < source.num_components; ++i) {
         const turned_component_t size(source, i, steps->transpose);
-        arrays[i] = source.mem->request_virt_barray(common, JPOOL_IMAGE, TRUE, round_up(size.width, size.h_factor),
+        arrays[i] = source.mem->request_virt_barray(common, JPOOL_IMAGE, FALSE, round_up(size.width, size.h_factor),
                                                     round_up(size.height, size.v_factor), strip_rows);
     }
     request.workspace_coef_arrays = arrays;
