@@ -1,22 +1,36 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
+
 #include "settings/message.h"
 #include "talolib/message.h"
 
-namespace {
+namespace taloram {
+
+// Texts that tell the user to press a button, and that button.
+constexpr e_message_local_t quotes[][2] = {
+    {msg_no_albums, msg_edit},      {msg_no_directory, msg_options},     {msg_nothing_listed, msg_update},
+    {msg_source_empty, msg_update}, {msg_source_unreadable, msg_update}, {msg_book_without_entries, msg_new_album},
+    {msg_stop_work, msg_rebuild}};
 
 TEST(Catalogues, HaveTheSameLinesAndATextForEveryRole) {
-    for (const char* name : {"taloram.msg", "taloram.ja_JP.UTF-8.msg"}) {
-        SCOPED_TRACE(name);
+    for (const auto& file : std::filesystem::directory_iterator(TALORAM_CATALOGUES)) {
+        if (file.path().extension() != ".msg") {
+            continue;
+        }
+        SCOPED_TRACE(file.path());
         std::vector<char> buffer;
-        ASSERT_TRUE(talolib::load_message(buffer, (std::string(TALORAM_CATALOGUES "/") + name).c_str()));
+        ASSERT_TRUE(talolib::load_message(buffer, file.path().c_str()));
         std::vector<const char*> table;
         talolib::make_message_table(table, buffer, talolib::count_lines(buffer));
-        EXPECT_EQ(table.size(), taloram::msg_stop_work + 1U);
+        ASSERT_EQ(table.size(), msg_stop_work + 1U);
         for (size_t line = 0; line < table.size(); ++line) {
             EXPECT_NE(*table[line], '\0') << "line " << line;
+        }
+        for (const auto& [text, button] : quotes) {
+            EXPECT_NE(std::string(table[text]).find(table[button]), std::string::npos) << table[text];
         }
     }
 }
 
-}  // namespace
+}  // namespace taloram
