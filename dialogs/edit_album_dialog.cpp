@@ -56,6 +56,7 @@ void set_wrapped_text(Gtk::Label& label, const Glib::ustring& text) {
 EditAlbumDialog::EditAlbumDialog(Gtk::Window& parent, const std::string& album)
     : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::filename(album)), parent, true),
       album_(album),
+      mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::APPLY, Gtk::Stock::CANCEL})),
       table_(1, 1),
       progress_(*this) {
     notice_.set_text(message_text(msg_album_empty));

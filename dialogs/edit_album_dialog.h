@@ -61,7 +61,7 @@ class EditAlbumDialog : public Gtk::Dialog {
     void update_album();
 
     std::string album_;
-    std::string mnemonics_ = "oac";  // those of the stock buttons
+    std::string mnemonics_;  // letters taken
     Gtk::HBox box_;
     Gtk::Label notice_;  // stands for an empty table
     Gtk::ScrolledWindow scroller_;

@@ -66,7 +66,7 @@ EditBookDialog::EditBookDialog(Gtk::Window& parent, const std::string& bookdir)
 }
 
 void EditBookDialog::build() {
-    std::string taken = "oac";  // the stock buttons' letters
+    std::string taken = stock_letters({Gtk::Stock::OK, Gtk::Stock::APPLY, Gtk::Stock::CANCEL});
     Gtk::Box& content = *get_content_area();
     content.set_border_width(border);
     content.set_spacing(spacing);

@@ -52,7 +52,7 @@ class GlobalOptionDialog : public Gtk::Dialog {
 
     const char* program_directory_;
     const char* program_name_;
-    std::string mnemonics_ = "oc";  // OK and Cancel
+    std::string mnemonics_;  // letters taken
     Glib::RefPtr<Gtk::SizeGroup> label_widths_;
     Gtk::ScrolledWindow scroller_;
     Gtk::VBox rows_;

@@ -61,7 +61,10 @@ void set_up_button(Gtk::Button& button, e_message_local_t text, std::string& tak
 }  // namespace
 
 MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, const std::string& bookdir)
-    : Gtk::Dialog(message_text(msg_new_album), parent, true), bookdir_(bookdir), table_(1, 1) {
+    : Gtk::Dialog(message_text(msg_new_album), parent, true),
+      bookdir_(bookdir),
+      mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::CANCEL})),
+      table_(1, 1) {
     from_entry_.set_text(from_.keep(from));
     to_entry_.set_text(date_name());
     set_up_widgets();

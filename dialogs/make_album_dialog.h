@@ -79,7 +79,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
     [[nodiscard]] bool choose_folder(std::string& folder, e_message_local_t title, const std::string& start);
 
     const std::string& bookdir_;
-    std::string mnemonics_ = "oc";  // those of the stock buttons
+    std::string mnemonics_;  // letters taken
     kept_text_t from_;
     Gtk::HBox from_row_;
     Gtk::HBox to_row_;

@@ -48,7 +48,7 @@ MakeBookDialog::MakeBookDialog(Gtk::Window& parent, const std::string& directory
 }
 
 void MakeBookDialog::build() {
-    std::string taken = "oac";  // the stock buttons' letters
+    std::string taken = stock_letters({Gtk::Stock::OK, Gtk::Stock::APPLY, Gtk::Stock::CANCEL});
     Gtk::HBox& name_row = make_row(caption(msg_book_name, name_, taken), name_);
     name_.set_activates_default(true);
     name_.get_accessible()->set_name(message_text(msg_book_name));

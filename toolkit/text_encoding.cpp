@@ -1,6 +1,8 @@
 #include "toolkit/text_encoding.h"
 
 #include <glib.h>
+#include <gtkmm/stock.h>
+#include <gtkmm/stockitem.h>
 
 #include <memory>
 
@@ -91,6 +93,21 @@ Glib::ustring mnemonic_text(e_message_local_t id, std::string& taken) {
         }
     }
     return without_mnemonic(text);
+}
+
+std::string stock_letters(std::initializer_list<Gtk::StockID> buttons) {
+    std::string letters;
+    for (const Gtk::StockID& button : buttons) {
+        Gtk::StockItem item;
+        if (!Gtk::Stock::lookup(button, item)) {
+            continue;
+        }
+        const std::string label = item.get_label().raw();
+        if (const size_t line = label.find('_'); line < label.size() - 1) {
+            letters += static_cast<char>(g_ascii_tolower(label[line + 1]));
+        }
+    }
+    return letters;
 }
 
 }  // namespace taloram

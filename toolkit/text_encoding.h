@@ -1,7 +1,9 @@
 #pragma once
 
 #include <glibmm/ustring.h>
+#include <gtkmm/stockid.h>
 
+#include <initializer_list>
 #include <string>
 
 #include "settings/message.h"
@@ -24,5 +26,8 @@ namespace taloram {
 // The same as a button's or label's text with a mnemonic: the first letter in `taken` order that is still free is
 // underlined. `taken` collects the letters of one window.
 [[nodiscard]] Glib::ustring mnemonic_text(e_message_local_t id, std::string& taken);
+
+// The letters that the toolkit's own buttons take in its language, for `taken` to begin with.
+[[nodiscard]] std::string stock_letters(std::initializer_list<Gtk::StockID> buttons);
 
 }  // namespace taloram
