@@ -13,6 +13,7 @@ namespace taloram {
 
 namespace {
 
+constexpr int gap = 6;  // pixels
 constexpr int label_characters = 20;
 constexpr int entry_characters = 100;
 constexpr int size_characters = 50;
@@ -71,6 +72,7 @@ void GlobalOptionDialog::add_row(Gtk::HBox& row, Gtk::Label& label, e_message_lo
     label.set_mnemonic_widget(widget);
     label.set_width_chars(label_characters);
     label.set_xalign(0);
+    row.set_spacing(gap);
     row.add(label);
     row.child_property_expand(label) = false;
     row.add(widget);
