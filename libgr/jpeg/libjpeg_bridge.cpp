@@ -184,6 +184,18 @@ void install_errors(error_manager_t& errors, std::jmp_buf& jump, const jpegdata_
     errors.last_addon_message = msg_end - 1;
 }
 
+// The most memory that a picture's pixels, and its coefficients, may take: a quarter of the machine's, at least 1 GiB;
+// in bytes. A damaged header of a few bytes can ask for tens of gigabytes.
+uint64_t memory_share() {
+    constexpr uint64_t always = uint64_t{1} << 30;
+    const long pages = sysconf(_SC_PHYS_PAGES);
+    const long page_bytes = sysconf(_SC_PAGE_SIZE);
+    if (pages <= 0 || page_bytes <= 0) {
+        return always;
+    }
+    return std::max(always, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
+}
+
 void install_destination(j_compress_ptr info, jpegdata_t& out) {
     if (info->dest == nullptr) {
         void* const memory = info->mem->alloc_small(common(info), JPOOL_PERMANENT, sizeof(destination_manager_t));
@@ -197,16 +209,6 @@ void install_destination(j_compress_ptr info, jpegdata_t& out) {
 }
 
 }  // namespace
-
-uint64_t memory_limit() {
-    uint64_t share = uint64_t{1} << 30;
-    const long pages = sysconf(_SC_PHYS_PAGES);
-    const long page_bytes = sysconf(_SC_PAGE_SIZE);
-    if (pages > 0 && page_bytes > 0) {
-        share = std::max(share, static_cast<uint64_t>(pages) * static_cast<uint64_t>(page_bytes) / 4);
-    }
-    return std::clamp(libutils::available_memory(), uint64_t{1}, share);
-}
 
 const char* shown_name(const jpegdata_t& data) {
     return data.name == nullptr ? "" : data.name;
@@ -231,17 +233,21 @@ decompressor_t::decompressor_t(const jpegdata_t& data) : data_(&data) {
 
 void decompressor_t::create() {
     jpeg_create_decompress(&info);
-    info.mem->max_memory_to_use = static_cast<long>(memory_limit());
+    memory_left_ = libutils::available_memory();
+    if (!set_aside(0)) {
+        ERREXIT1(&info, JERR_OUT_OF_MEMORY, 0);
+    }
     info.progress = &progress_;
     install_source(&info, *data_);
 }
 
 bool decompressor_t::set_aside(uint64_t bytes) {
-    long& left = info.mem->max_memory_to_use;
-    if (bytes >= static_cast<uint64_t>(left)) {  // 0 would mean no limit
+    const uint64_t share = memory_share();
+    if (bytes > share || bytes >= memory_left_) {
         return false;
     }
-    left -= static_cast<long>(bytes);
+    memory_left_ -= bytes;
+    info.mem->max_memory_to_use = static_cast<long>(std::min(share, memory_left_));  // 0 would mean no limit
     return true;
 }
 

@@ -19,11 +19,6 @@ constexpr unsigned max_segment_bytes = 65533;
 // libjpeg's own limit in both directions.
 constexpr uint32_t max_picture_side = 65500;
 
-// The most memory that a picture's pixels, and its coefficients, may take: what the machine has left, and no more than
-// a quarter of all it has, or 1 GiB where that is more; in bytes, not 0. A damaged header of a few bytes can ask for
-// tens of gigabytes.
-[[nodiscard]] uint64_t memory_limit();
-
 // The name that messages about `data` begin with; "" when it has none.
 [[nodiscard]] const char* shown_name(const jpegdata_t& data);
 
@@ -83,7 +78,8 @@ class decompressor_t {
     // Fatal error when the header asks for far more work than the file's few bytes can be worth. Behind read_header().
     void refuse_oversized();
 
-    // Takes memory for other things off the limit that libjpeg keeps; false when it does not go that far.
+    // Takes the memory for a picture's pixels off what libjpeg may take for its coefficients. False when they ask for
+    // too much: for more than a large part of the machine's memory or than what is left of it.
     [[nodiscard]] bool set_aside(uint64_t bytes);
     // From now on nothing is reported.
     void silence() { errors_.silent = true; }
@@ -107,6 +103,7 @@ class decompressor_t {
     error_manager_t errors_{};
     jpeg_progress_mgr progress_{};
     const jpegdata_t* data_;
+    uint64_t memory_left_ = 0;  // of the machine, in bytes
 };
 
 // A libjpeg compressor into `out`, which must outlive it. Destroyed with all its memory on every path.

@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
+#include <sys/sysinfo.h>
 
 #include "libutils/alloc_new.h"
 #include "libutils/byte_reader.h"
+#include "libutils/memory.h"
 #include "libutils/ofsvector.h"
 #include "libutils/refvector.h"
 #include "tests/support/fixtures.h"
@@ -114,6 +116,14 @@ TEST(ByteVectors, HeapVectorsShareUntilResized) {
     EXPECT_EQ(a[2], 8);
     b = a;
     EXPECT_EQ(b.size(), 3U);
+}
+
+TEST(Memory, WhatIsLeftIsLessThanTheMachineHas) {
+    const test_support::grouping_locale_t grouping;
+    struct sysinfo machine {};
+    ASSERT_EQ(sysinfo(&machine), 0);
+    EXPECT_GT(libutils::available_memory(), uint64_t{1} << 20);
+    EXPECT_LT(libutils::available_memory(), (uint64_t{machine.totalram} + machine.totalswap) * machine.mem_unit);
 }
 
 TEST(ByteReader, ReadsOnlyWhatLiesInside) {
