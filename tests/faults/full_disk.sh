@@ -18,7 +18,8 @@ fi
 # shellcheck source=tests/faults/albums.sh
 source "$(dirname "${BASH_SOURCE[0]}")/albums.sh"
 
-page=4 # KiB
+page=4       # KiB
+last_ones=13 # pages and such are small and come last
 card=$place/card
 disk=$place/disk # a book
 album=$disk/album
@@ -90,12 +91,12 @@ tell() {
     met=()
 }
 
-# Values from a first to a last one, some or all of them, and each of the last ones: pages are small.
-#   values <first> <last> <distance of two>
+# Values from a first to a last one, some or all of them, and each of the last ones.
+#   values <first> <last> <distance of two> <last ones>
 values() {
     local step=$((($2 - $1) / (steps > 0 ? steps : 1) / $3 * $3))
     [ $steps -gt 0 ] && [ $step -gt 0 ] || step=$3
-    { seq "$1" "$step" "$2" && seq $(($2 > 14 * $3 + $1 ? $2 - 14 * $3 : $1)) "$3" "$2"; } | sort -nu
+    { seq "$1" "$step" "$2" && seq $(($2 - $4 * $3 > $1 ? $2 - $4 * $3 : $1)) "$3" "$2"; } | sort -nu
 }
 
 make_room() {
@@ -141,25 +142,30 @@ refuse_disks() {
 #   fill_disks <name> <start> <goal> <arguments>...
 fill_disks() {
     local name=$1 start=$2 goal=$3 value
-    for value in $(values "$(used used "$start")" $(($(used used "$goal") + 2 * page)) $page); do
+    for value in $(values "$(used used "$start")" $(($(used used "$goal") + 2 * page)) $page $last_ones); do
         mount_disk "$value" 10000
         cp -a "$start/." "$disk"
         survive "$value" "$start" "$goal" "${@:4}"
         umount "$disk"
     done
     tell "$name, size of the disk in KiB" "${stages[@]}"
-    for value in $(values $(($(used iused "$start") + 1)) "$(used iused "$goal")" 1); do
+}
+
+# The same with room for the bytes but not for the names.
+fill_directories() {
+    local name=$1 start=$2 goal=$3 value
+    for value in $(values $(($(used iused "$start") + 1)) "$(used iused "$goal")" 1 $last_ones); do
         mount_disk 65536 "$value"
         cp -a "$start/." "$disk"
         survive "$value" "$start" "$goal" "${@:4}"
         umount "$disk"
     done
-    tell "$name, names on the disk" thumbnails "index page"
+    tell "$name, names on the disk" "${stages[@]}"
 }
 
 # A book with an album that has comments, and no more.
 prepare() {
-    "$bin/make_samples" "$card" 5
+    "$bin/make_samples" "$card" 3
     truncate -s 20K "$card/MVI_9999.MOV"
     mkdir -p "$place/empty/txt" "$place/empty/album/txt"
     printf '%s\r\n' Before Before "The old words." |
@@ -169,7 +175,7 @@ prepare() {
     ends_with 0 "$bin/talomake" "${import[@]}"
     cp -a "$disk" "$place/full"
     cp -a "$disk" "$place/broken"
-    rm "$place/broken/album"/{size*/*2.JPG,size1/*3.JPG,thumb/*4.JPG,*.html,html/*,txt/count.txt}
+    rm "$place/broken/album"/{size*/*2.JPG,size1/*3.JPG,thumb/*1.JPG,*.html,html/*,txt/count.txt}
     rm -r "${disk:?}"/*
 }
 
@@ -179,7 +185,7 @@ limit_files() {
         restricted=()
     }
     largest=$(find "$goal" -type f -printf '%k\n' | sort -n | tail -n 1)
-    for value in $(values 0 $((largest + 1)) 1); do
+    for value in $(values 0 $((largest + 1)) 1 1); do
         rm -rf "${disk:?}"/*
         cp -a "$start/." "$disk"
         restricted=(prlimit --fsize=$((value * 1024)): --)
@@ -194,6 +200,8 @@ if mount_disk 1024 100 2>/dev/null; then
     refuse_disks
     stages=(comments copy "level 0" "reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages" "book's page")
     fill_disks import "$place/empty" "$place/full" "${import[@]}"
+    stages=(copy thumbnails "index page" "list page" count.txt "zoom pages" "book's page")
+    fill_directories import "$place/empty" "$place/full" "${import[@]}"
     stages=("reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages")
     fill_disks update "$place/broken" "$place/full" "${update[@]}"
 else
@@ -201,5 +209,5 @@ else
 fi
 stages=(comments copy)
 limit_files import "$place/empty" "$place/full" "${import[@]}"
-stages=("level 0" "reduced sizes")
+stages=(thumbnails)
 limit_files update "$place/broken" "$place/full" "${update[@]}"
