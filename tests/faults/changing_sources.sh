@@ -116,13 +116,18 @@ cut_sources_off() {
         done
         [ ! -e "$album/original/IMG_0001.JPG" ] || fail "neither the whole nor the shorter file was copied"
     done
+    rm -rf "$album"
+    ends_with 0 "$bin/talomake" album "$place/sample" "$album" IMG_0001.JPG
+    rm "$album/size1/IMG_0001.JPG"
+    mv "$album" "$place/unfinished"
     for ((i = 0; i < cuts; ++i)); do
-        rm -rf "$album"
-        mkdir -p "$album/original"
-        cp "$place/sample/IMG_0001.JPG" "$album/original"
-        cut_off "$album/original/IMG_0001.JPG" "$bin/talomake" update "$album"
+        for directory in original size0; do
+            rm -rf "$album"
+            cp -a "$place/unfinished" "$album"
+            cut_off "$album/$directory/IMG_0001.JPG" "$bin/talomake" update "$album"
+        done
     done
-    echo "photographs cut off at work: $((2 * cuts)), $failures of them with a failure"
+    echo "photographs cut off at work: $((3 * cuts)), $failures of them with a failure"
 }
 
 # What loses a right, which right, the command, its status, and how its first line begins.
