@@ -68,7 +68,33 @@ wait_size() {
     wait_for 60 "The list of the window" is_at_least "$1" "$2"
 }
 
+# State and processor time of the program; see proc(5), /proc/[pid]/stat.
+activity() {
+    local fields
+    read -ra fields <"/proc/$taloram/stat"
+    echo "${fields[@]:2:1} ${fields[@]:13:2}"
+}
+
+# The toolkit takes all events that wait before it gives new rows their places, and where Tab leads depends on those as
+# much as what a click hits. So, as a user does, wait until nothing happens any more: the program sleeps.
+settle() {
+    local before="" now quiet=0 deadline=$((SECONDS + 60))
+    while [ $quiet -lt 4 ]; do
+        [ $SECONDS -lt $deadline ] || fail "The program never rests."
+        sleep 0.02
+        xdotool getmouselocation >/dev/null # the display has then served everybody
+        now=$(activity 2>/dev/null) || fail "The program is gone."
+        if [ "$now" = "$before" ] && [[ $now == S* ]]; then
+            quiet=$((quiet + 1))
+        else
+            quiet=0
+        fi
+        before=$now
+    done
+}
+
 press() {
+    settle
     xdotool key --clearmodifiers --delay 30 "$@"
 }
 
@@ -90,7 +116,10 @@ press_times() {
     done
 }
 
-#   click_at <x> <y>   pixels from the window's left upper corner
+# The first button's click would turn a spinner on and on, as if it were held down, while a busy machine lets the
+# program wait between press and release.
+#   click_at <x> <y> [<button>]   pixels from the window's left upper corner
 click_at() {
-    xdotool mousemove --sync --window "$window" "$1" "$2" click 1 || fail "The window to click at is gone."
+    settle
+    xdotool mousemove --sync --window "$window" "$1" "$2" click "${3:-1}" || fail "The window to click at is gone."
 }
