@@ -1,5 +1,6 @@
 #include <gtk/gtk.h>
 #include <gtkmm/main.h>
+#include <gtkmm/window.h>
 
 #include <csignal>
 #include <cstdlib>
@@ -8,6 +9,8 @@
 #include "app/command_line.h"
 #include "app/menu_window.h"
 #include "libutils/diagnostics.h"
+#include "libutils/path.h"
+#include "talolib/program_path.h"
 
 namespace {
 
@@ -42,6 +45,9 @@ int main(int argc, char** argv) {
         g_setenv("GTK_IM_MODULE_FILE", input_method_cache, TRUE);
     }
     taloram::g_workers.jobs = taloram::default_jobs();
+    Gtk::Window::set_default_icon_name("taloram");
+    std::string program = talolib::program_path(argv[0], libutils::basename(std::string(argv[0])));
+    argv[0] = program.data();
     taloram::MenuWindow window(argc, argv);
     Gtk::Main::run(window);
     return EXIT_SUCCESS;

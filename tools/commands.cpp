@@ -24,6 +24,7 @@
 #include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
 #include "talolib/option.h"
+#include "talolib/program_path.h"
 #include "tools/check_arguments.h"
 #include "tools/path_parts.h"
 #include "tools/progress_line.h"
@@ -39,7 +40,7 @@ namespace {
 constexpr const char* program_name = "taloram";
 
 void start_up(const char* program, const run_options_t& options = {}) {
-    const std::string directory = libutils::dirname(program);
+    const std::string directory = libutils::dirname(talolib::program_path(program, program_name));
     const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
     // Without a settings file the defaults stand.
     std::ignore = loadini(libutils::dirname(catalogue).c_str(), program_name);
