@@ -41,11 +41,18 @@ bool load_from_any_place(std::string& path, const std::string& dir, const std::s
     return load_message(g_catalogue, path.c_str());
 }
 
+bool names_utf8(const std::string& locale) {
+    return locale.ends_with(".UTF-8") || locale.ends_with(".utf8");
+}
+
 }  // namespace
 
 std::string init_message(const char* dir, const char* name) {
-    std::setlocale(LC_ALL, "");
     const std::string locale = get_locale_name();
+    // A locale that the system doesn't have would leave ASCII, with "?" for most of what is typed.
+    if (std::setlocale(LC_ALL, "") == nullptr && names_utf8(locale)) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
     const std::string filename = std::string(name) + (locale.empty() ? "" : "." + locale) + ".msg";
     trace(std::cerr, "init_message() entering.");
 

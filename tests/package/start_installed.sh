@@ -86,6 +86,7 @@ start_windows() {
     )
     start_window "by an absolute path" fr_CA.utf8 "Albums photo" "$prefix/bin/taloram"
     start_window "by a relative path" es_MX.UTF-8 "Álbumes de fotos" "$(realpath --relative-to=. "$prefix")/bin/taloram"
+    start_window "in a locale that is mostly missing" es_BO.UTF-8 "Álbumes de fotos" env -u LC_ALL "$prefix/bin/taloram"
     ln -s "$prefix/bin/taloram" "$place/taloram"
     start_window "by a link" zh_CN.UTF-8 相册 "$place/taloram"
     if command -v gio >/dev/null; then
