@@ -11,19 +11,11 @@
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
 #include "talolib/program_path.h"
+#include "toolkit/display.h"
 
 namespace {
 
 constexpr const char* input_method_cache = "/usr/local/lib/gtk-3.0/3.0.0/immodules.cache";
-
-// True when a display can be opened. Only the backends that show windows by themselves are asked: the others complain
-// in lines of their own.
-bool open_display(int& argc, char**& argv) {
-    if (std::getenv("GDK_BACKEND") == nullptr) {
-        gdk_set_allowed_backends("quartz,win32,wayland,x11");
-    }
-    return gtk_init_check(&argc, &argv) != FALSE;
-}
 
 }  // namespace
 
@@ -36,7 +28,7 @@ int main(int argc, char** argv) {
         taloram::usage(argc < 1 ? "taloram" : argv[0]);
         return EXIT_SUCCESS;
     }
-    if (!open_display(argc, argv)) {
+    if (!taloram::open_display(argc, argv)) {
         libutils::report(argv[0], ": can't open a display; windows need one.");
         return EXIT_FAILURE;
     }

@@ -60,23 +60,7 @@ Glib::ustring photo_comment(const std::string& album, const std::string& name) {
 }
 
 Glib::ustring photo_summary(const std::string& album, const std::string& name) {
-    std::ostringstream out;
-    // A photograph without shooting data has no summary.
-    static_cast<void>(writeexif(out, album, layout::original, name, false));
-    std::list<std::string> lines;
-    libutils::separate_token(lines, out.str(), "\n");
-    std::list<std::string> shown;
-    for (std::string& line : lines) {
-        libutils::chop2(line);
-        line.erase(0, std::min(line.find_first_not_of("\t "), line.size()));
-        std::replace(line.begin(), line.end(), '\t', ' ');
-        if (!line.empty()) {
-            shown.push_back(line);
-        }
-    }
-    std::string text;
-    libutils::concatenate_token(text, shown, "\n");
-    return to_toolkit(text);
+    return to_toolkit(plain_summary(album, layout::original, name));
 }
 
 thumbnail_grid_t::cell_t::cell_t() : box(false, 2) {

@@ -1,9 +1,8 @@
 #include "dialogs/upright_photo.h"
 
-#include <gdk/gdk.h>
-
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "album/album_layout.h"
 #include "album/reduced_sizes.h"
@@ -13,22 +12,12 @@
 #include "libgr/jpeg/jpegdata.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libutils/diagnostics.h"
+#include "shooting_data/orientation.h"
+#include "toolkit/upright_pixels.h"
 
 namespace taloram {
 
 namespace {
-
-constexpr uint64_t longest_side = 32767;  // pixels, of a cairo surface
-
-// EXIF Orientation 5 to 8: the rows of the file are the columns of the scene.
-bool swaps_sides(unsigned long orientation) {
-    return orientation >= 5;
-}
-
-// These also ask for a mirrored scene, which a turn can't make.
-bool is_mirrored(unsigned long orientation) {
-    return orientation == 2 || orientation == 4 || orientation == 5 || orientation == 7;
-}
 
 struct exif_facts_t {
     unsigned long orientation = 1;
@@ -44,11 +33,7 @@ exif_facts_t read_exif(const libgr::jpeginfo_t& info) {
     libgr::app1_marker_t app1;
     app1.set_app1_buffer(segment);
     facts.has_thumbnail = app1.parse() && !app1.tiff_header.thumbnail.empty();
-    // It stands in the first directory and so was read even when a later part is broken.
-    const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation;
-    if (!orientation.empty() && orientation.front() >= 1 && orientation.front() <= 8) {
-        facts.orientation = orientation.front();
-    }
+    facts.orientation = picture_orientation(app1.tiff_header);
     return facts;
 }
 
@@ -82,7 +67,7 @@ std::vector<photo_size_t> list_photo_sizes(const std::string& album, const std::
     std::vector<photo_size_t> sizes;
     const auto append = [&sizes](const std::string& path) {
         const std::optional<photo_size_t> size = is_exist(path) ? read_size(path) : std::nullopt;
-        if (size && std::max(size->width, size->height) <= longest_side) {
+        if (size && std::max(size->width, size->height) <= longest_surface_side) {
             sizes.push_back(*size);
         }
     };
@@ -104,21 +89,10 @@ Cairo::RefPtr<Cairo::ImageSurface> load_upright(const photo_size_t& size) {
     if (!load_jpeg(image, size.path)) {
         return {};
     }
-    Glib::RefPtr<Gdk::Pixbuf> pixels = convert_to_pixbuf(image);
+    plain_pixels_t pixels;
+    static_cast<void>(make_upright(pixels, image, size.orientation));
     image.clear();
-    if (pixels && size.orientation != 1) {
-        gdk_pixbuf_set_option(pixels->gobj(), "orientation", std::to_string(size.orientation).c_str());
-        pixels = pixels->apply_embedded_orientation();
-    }
-    if (!pixels) {
-        return {};
-    }
-    cairo_surface_t* const surface = gdk_cairo_surface_create_from_pixbuf(pixels->gobj(), 1, nullptr);
-    if (cairo_surface_status(surface) != CAIRO_STATUS_SUCCESS) {
-        cairo_surface_destroy(surface);
-        return {};
-    }
-    return Cairo::RefPtr<Cairo::ImageSurface>(new Cairo::ImageSurface(surface, true));
+    return make_surface(std::move(pixels));
 }
 
 bool turn_photo(const std::string& album, const std::string& name, unsigned long count) {

@@ -1,7 +1,5 @@
 #include "dialogs/viewer_parts.h"
 
-#include <gdkmm/display.h>
-#include <gdkmm/monitor.h>
 #include <glibmm/markup.h>
 
 #include <algorithm>
@@ -9,6 +7,7 @@
 #include "album/comment_store.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
+#include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
 
 namespace taloram {
@@ -22,21 +21,6 @@ void set_comment(Gtk::Label& label, std::string text) {
     std::erase(text, '\r');
     libutils::chop2(text);
     label.set_text(to_toolkit(text));
-}
-
-Gdk::Rectangle work_area(Gtk::Window& parent) {
-    Gdk::Rectangle area(0, 0, 1280, 800);
-    const Glib::RefPtr<Gdk::Display> display = parent.get_display();
-    Glib::RefPtr<Gdk::Monitor> monitor;
-    if (const auto window = parent.get_window()) {
-        monitor = display->get_monitor_at_window(window);
-    } else {
-        monitor = display->get_primary_monitor();
-    }
-    if (monitor) {
-        monitor->get_workarea(area);
-    }
-    return area;
 }
 
 }  // namespace

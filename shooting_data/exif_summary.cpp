@@ -1,9 +1,12 @@
 #include "shooting_data/exif_summary.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstdlib>
 #include <iomanip>
 #include <iostream>
+#include <list>
+#include <sstream>
 #include <string_view>
 
 #include "libgr/exif/app1_marker.h"
@@ -394,6 +397,25 @@ bool writeexif(std::ostream& os, const std::string& dir, const std::string& sub,
     const libutils::classic_numbers classic(os);
     summary_writer_t(os, app1.tiff_header, html).write();
     return true;
+}
+
+std::string plain_summary(const std::string& dir, const std::string& sub, const std::string& file) {
+    std::ostringstream out;
+    static_cast<void>(writeexif(out, dir, sub, file, false));
+    std::list<std::string> lines;
+    libutils::separate_token(lines, out.str(), "\n");
+    std::list<std::string> shown;
+    for (std::string& line : lines) {
+        libutils::chop2(line);
+        line.erase(0, std::min(line.find_first_not_of("\t "), line.size()));
+        std::replace(line.begin(), line.end(), '\t', ' ');
+        if (!line.empty()) {
+            shown.push_back(line);
+        }
+    }
+    std::string text;
+    libutils::concatenate_token(text, shown, "\n");
+    return text;
 }
 
 }  // namespace taloram

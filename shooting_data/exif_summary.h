@@ -18,4 +18,7 @@ void initexif(const char* dir, const char* name);
 [[nodiscard]] bool writeexif(std::ostream& os, const std::string& dir, const std::string& sub, const std::string& file,
                              bool html);
 
+// The same as lines of words, without tabs; "" without shooting data.
+[[nodiscard]] std::string plain_summary(const std::string& dir, const std::string& sub, const std::string& file);
+
 }  // namespace taloram
