@@ -6,38 +6,14 @@
 #include <string_view>
 
 #include "album/jobs.h"
+#include "libutils/program.h"
 #include "tools/wrong_use.h"
 
 namespace talomake {
 
 namespace {
 
-// CLI11 takes values in brackets for lists and "++" for the end of a subcommand, but here they name files. A blank
-// behind them keeps them whole until plain() takes it off.
-bool means_more_to_the_parser(const std::string& argument) {
-    return !argument.empty() && std::string_view("[{+").find(argument.front()) != std::string_view::npos;
-}
-
-std::string guarded(std::string argument) {
-    if (means_more_to_the_parser(argument)) {
-        argument += ' ';
-    }
-    return argument;
-}
-
-std::string plain(std::string argument) {
-    if (means_more_to_the_parser(argument)) {
-        argument.pop_back();
-    }
-    return argument;
-}
-
-std::vector<std::string> plain(std::vector<std::string> arguments) {
-    for (std::string& argument : arguments) {
-        argument = plain(std::move(argument));
-    }
-    return arguments;
-}
+using libutils::plain;
 
 std::optional<uint64_t> parse_decimal(std::string_view text) {
     uint64_t value = 0;
@@ -238,12 +214,8 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
         "run.\n" +
         app.get_footer());
 
-    std::vector<std::string> backwards;  // the order that CLI11 wants
-    for (int i = argc - 1; i > 0; --i) {
-        backwards.push_back(guarded(argv[i]));
-    }
     try {
-        app.parse(std::move(backwards));
+        app.parse(libutils::guarded_arguments(argc, argv));
     } catch (const CLI::Success& request) {
         status = app.exit(request);
         return std::nullopt;

@@ -1,27 +1,13 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <csignal>
 #include <exception>
 #include <iostream>
 
+#include "libutils/program.h"
 #include "tools/command_line.h"
 #include "tools/commands.h"
 #include "tools/wrong_use.h"
 
 namespace {
-
-// A standard stream that the caller closed would lend its number to the next file that is opened, and messages would
-// then be written into a page or a photograph. Read-only, so that writing still fails.
-void hold_standard_descriptors() {
-    int descriptor = 0;
-    do {
-        descriptor = open("/dev/null", O_RDONLY);
-    } while (descriptor >= 0 && descriptor <= STDERR_FILENO);
-    if (descriptor >= 0) {
-        close(descriptor);
-    }
-}
 
 int run(int argc, const char* const* argv) {
     try {
@@ -41,7 +27,7 @@ int run(int argc, const char* const* argv) {
 int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write, not the end in the middle of an import
     std::signal(SIGXFSZ, SIG_IGN);  // so is a file that grew too large
-    hold_standard_descriptors();
+    libutils::hold_standard_descriptors();
     int status = run(argc, argv);
     if (!std::cout.flush() && status == talomake::status_done) {
         libutils::report("talomake: can't write to standard output.");

@@ -1,8 +1,7 @@
 #pragma once
 
-#include <string>
-
 #include "libutils/diagnostics.h"
+#include "libutils/program.h"
 
 namespace talomake {
 
@@ -13,13 +12,10 @@ enum status_t : int {
     status_wrong_use = 2,  // one line on standard error, nothing touched
 };
 
-// `text` with a "?" for every control character, so that it stays one line whatever a file is named.
-[[nodiscard]] std::string one_line(std::string text);
-
 // Reports wrong use of the program; false, for the caller to return.
 template <typename... Parts>
 [[nodiscard]] bool wrong_use(const Parts&... parts) {
-    libutils::report("talomake: ", one_line(libutils::join_text(parts...)));
+    libutils::report("talomake: ", libutils::one_line(libutils::join_text(parts...)));
     return false;
 }
 
