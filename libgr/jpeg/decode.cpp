@@ -26,8 +26,8 @@ bool make_picture(image2d_t& img, const jpeg_info_desc_t& layout, decompressor_t
     img.clear();
     img.desc = {layout.format, layout.type, layout.bits};
     img.window = {};
-    img.window.width = reader.info.image_width;
-    img.window.height = reader.info.image_height;
+    img.window.width = reader.info.output_width;
+    img.window.height = reader.info.output_height;
     return reader.set_aside(img.rowsize() * img.window.height) && img.allocate() && img.holds_window();
 }
 
@@ -80,21 +80,24 @@ void decode_rows(decompressor_t& reader, const rows_t& rows, int wanted_scans, o
     }
 }
 
-void open_file(decompressor_t& reader) {
+void open_file(decompressor_t& reader, unsigned eighths) {
     reader.create();
     reader.keep_segments(0xFFFF);
     reader.read_header();
     reader.refuse_oversized();
+    reader.info.scale_num = eighths;
+    reader.info.scale_denom = 8;
+    jpeg_calc_output_dimensions(&reader.info);
 }
 
 // When a later scan can't be read at all, those before it still make a picture. What is wrong with the file has been
 // written.
-void decode_first_scans(const jpegdata_t& d, const rows_t& rows, int scans) {
+void decode_first_scans(const jpegdata_t& d, unsigned eighths, const rows_t& rows, int scans) {
     decompressor_t reader(d);
     reader.silence();
     (void)reader.attempt([&] {
         outcome_t outcome;
-        open_file(reader);
+        open_file(reader, eighths);
         decode_rows(reader, rows, scans, outcome);
     });
 }
@@ -103,9 +106,13 @@ void decode_first_scans(const jpegdata_t& d, const rows_t& rows, int scans) {
 
 bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*align*/, bool /*border*/,
                             const color3ub_t& /*color*/) {
+    return decompress_scaled(img, d, 8);
+}
+
+bool jpeginfo_t::decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eighths) {
     markers.clear();
     decompressor_t reader(d);
-    if (!reader.attempt([&] { open_file(reader); })) {
+    if (!reader.attempt([&] { open_file(reader, eighths); })) {
         libutils::report(shown_name(d), ": jpeg decompress fail, stop.");
         return false;
     }
@@ -129,7 +136,7 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
     if (!reader.attempt([&] { decode_rows(reader, rows, all_scans, outcome); })) {
         reader.close();
         if (outcome.scans > 0) {
-            decode_first_scans(d, rows, outcome.scans);
+            decode_first_scans(d, eighths, rows, outcome.scans);
         }
         if (!d.is_intact()) {
             libutils::report(shown_name(d), ": jpeg decompress fail, stop.");

@@ -65,6 +65,10 @@ class jpeginfo_t {
     [[nodiscard]] bool decompress(image2d_t& img, jpegdata_t& d, unsigned short align, bool border,
                                   const color3ub_t& color);
 
+    // The same at `eighths` eighths (1 to 8) of the full size, each side rounded up: quicker and smaller. `width` and
+    // `height` are those of the full size.
+    [[nodiscard]] bool decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eighths);
+
     // Encodes `img` with the listed segments; `quality` on libjpeg's scale, cut to 0 to 100. False, without a message,
     // when the layout is none of 8-bit RGB, YCbCr and grayscale, or the picture is empty or over 65500 pixels in a
     // direction; false, and reported, when memory is short.
