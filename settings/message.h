@@ -84,7 +84,12 @@ enum e_message_local_t : talolib::e_message_t {
     msg_no_photos = 77,
     msg_turn_failed = 78,
     msg_empty_book = 79,
-    msg_stop_work = 80,  // asked when the progress window is closed
+    msg_stop_work = 80,       // asked when the progress window is closed
+    msg_no_pictures = 81,     // in the viewer's window; what it shows can also be dropped there
+    msg_not_a_photo = 82,     // a reason
+    msg_photo_too_much = 83,  // a reason
+    msg_reading_photo = 84,
+    msg_slide_show = 85,  // in the title while it runs
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);

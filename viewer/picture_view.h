@@ -1,0 +1,93 @@
+#pragma once
+
+#include <map>
+#include <string>
+#include <vector>
+
+#include "toolkit/picture_area.h"
+#include "viewer/picture_loader.h"
+
+namespace talovue {
+
+// Shows one picture of a list. The one shown and its two neighbours are kept as the window needs them, and of the one
+// shown, once it was zoomed, a larger scale; there is nothing else in memory, however long the list is. One that can't
+// be shown stands as its name and the reason.
+class picture_view_t : public taloram::picture_area_t {
+  public:
+    // What is known of the current picture.
+    struct facts_t {
+        bool known = false;   // false while it is read for the first time
+        std::string failure;  // "" when it is shown
+        double width = 0;     // of the full size as it is seen, in pixels
+        double height = 0;
+        uint64_t file_bytes = 0;
+        std::string summary;  // shooting data
+    };
+
+    picture_view_t();
+
+    void set_pictures(std::vector<std::string> paths, size_t first);
+
+    // An index behind the end shows the last. Fitted to the window.
+    void show_picture(size_t index);
+    void next();
+    void previous();
+    void first();
+    void last();
+
+    // Turns what is seen, clockwise; kept until the list is replaced.
+    void turn_left();
+    void turn_right();
+
+    [[nodiscard]] size_t index() const { return index_; }
+    [[nodiscard]] size_t count() const { return paths_.size(); }
+    [[nodiscard]] const std::string& path() const { return paths_[index_]; }  // of a list that is not empty
+    [[nodiscard]] facts_t facts() const;
+
+    // Pictures decoded and kept, and the size in pixels of the one that is shown, 0 without one: how far the loader is.
+    [[nodiscard]] size_t ready_count() const;
+    [[nodiscard]] int shown_pixels_width() const;
+
+    // After anything that title or panel show of the current picture may have changed.
+    [[nodiscard]] sigc::signal<void>& signal_changed() { return changed_; }
+
+  protected:
+    bool on_draw(const Cairo::RefPtr<Cairo::Context>& cr) override;
+    void on_size_allocate(Gtk::Allocation& allocation) override;
+    [[nodiscard]] const taloram::shown_picture_t* shown() const override;
+
+  private:
+    // A loaded picture, fitted, and at most a larger one of the same for a zoom.
+    struct entry_t {
+        facts_t facts;  // before the turn
+        picture_request_t fitted_for;
+        taloram::shown_picture_t fitted;
+        double detailed_for = 0;  // zoom
+        taloram::shown_picture_t detailed;
+    };
+
+    [[nodiscard]] bool is_near(size_t index) const { return index + 1 >= index_ && index <= index_ + 1; }
+    [[nodiscard]] const entry_t* find(size_t index) const;
+    [[nodiscard]] unsigned turns_of(size_t index) const;
+    void turn(unsigned count);
+    // What to load for a picture: the request that fits it into the widget as it is turned.
+    [[nodiscard]] picture_request_t fitted_request(size_t index) const;
+    [[nodiscard]] bool is_fitted_enough(size_t index) const;
+    [[nodiscard]] bool is_detailed_enough() const;
+    void plan();
+    void take_loaded();
+    void take(size_t index, picture_loader_t::result_t& result);
+
+    std::vector<std::string> paths_;
+    std::map<size_t, entry_t> entries_;
+    std::map<size_t, unsigned> turns_;  // clockwise quarters, 1 to 3
+    size_t index_ = 0;
+    bool forwards_ = true;              // the last move, and so probably the next
+    taloram::shown_picture_t leaving_;  // shown until its successor is there
+    bool is_late_ = false;
+    sigc::connection late_;
+    sigc::signal<void> changed_;
+    picture_loader_t loader_;
+};
+
+}  // namespace talovue
