@@ -407,7 +407,8 @@ std::string plain_summary(const std::string& dir, const std::string& sub, const 
     std::list<std::string> shown;
     for (std::string& line : lines) {
         libutils::chop2(line);
-        line.erase(0, std::min(line.find_first_not_of("\t "), line.size()));
+        // An item that is missing leaves the comma behind it.
+        line.erase(0, std::min(line.find_first_not_of("\t ,"), line.size()));
         std::replace(line.begin(), line.end(), '\t', ' ');
         if (!line.empty()) {
             shown.push_back(line);

@@ -161,7 +161,7 @@ bool picture_view_t::is_detailed_enough() const {
 
 void picture_view_t::plan() {
     // Before the widget has its size nothing can be fitted.
-    if (paths_.empty() || !get_realized()) {
+    if (paths_.empty() || get_allocated_width() <= 1) {
         loader_.request({});
         return;
     }
