@@ -50,17 +50,17 @@ void picture_view_t::show_picture(size_t index) {
     is_late_ = false;
     late_.disconnect();
     if (find(index_) == nullptr) {
-        late_ = Glib::signal_timeout().connect(
-            [this] {
-                is_late_ = true;
-                leaving_ = {};
-                queue_draw();
-                return false;
-            },
-            longest_leave);
+        late_ = Glib::signal_timeout().connect(sigc::mem_fun(*this, &picture_view_t::leave), longest_leave);
     }
     get_accessible()->set_name(paths_.empty() ? "" : taloram::to_toolkit(libutils::filename(path())));
     fit();
+}
+
+bool picture_view_t::leave() {
+    is_late_ = true;
+    leaving_ = {};
+    queue_draw();
+    return false;
 }
 
 void picture_view_t::next() {

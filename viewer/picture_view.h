@@ -69,6 +69,7 @@ class picture_view_t : public taloram::picture_area_t {
     [[nodiscard]] bool is_near(size_t index) const { return index + 1 >= index_ && index <= index_ + 1; }
     [[nodiscard]] const entry_t* find(size_t index) const;
     [[nodiscard]] unsigned turns_of(size_t index) const;
+    [[nodiscard]] bool leave();
     void turn(unsigned count);
     // What to load for a picture: the request that fits it into the widget as it is turned.
     [[nodiscard]] picture_request_t fitted_request(size_t index) const;

@@ -11,6 +11,7 @@
 
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
+#include "libutils/program.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
 
@@ -166,28 +167,28 @@ void viewer_window_t::back() {
     }
 }
 
-void viewer_window_t::open(const std::vector<std::string>& paths) {
+void viewer_window_t::open_dropped(const std::vector<Glib::ustring>& uris) {
+    std::vector<std::string> paths;
+    for (const Glib::ustring& uri : uris) {
+        try {
+            paths.push_back(Glib::filename_from_uri(uri));
+        } catch (const Glib::Error&) {
+            libutils::report("talovue3: ", libutils::one_line(uri.raw()), ": not a file of this machine.");
+        }
+    }
     picture_list_t list;
     std::string problem;
-    if (paths.empty() || !list_pictures(list, paths, problem)) {
-        libutils::report("talovue3: ", problem.empty() ? "what was dropped is no file." : problem);
-        return;
+    if (!list_pictures(list, paths, problem)) {
+        libutils::report("talovue3: ", libutils::one_line(problem));
+    } else if (!paths.empty()) {
+        view_.set_pictures(std::move(list.paths), list.first);
+        present();
     }
-    view_.set_pictures(std::move(list.paths), list.first);
-    present();
 }
 
 void viewer_window_t::on_drag_data_received(const Glib::RefPtr<Gdk::DragContext>& /*context*/, int /*x*/, int /*y*/,
                                             const Gtk::SelectionData& data, guint /*info*/, guint /*time*/) {
-    std::vector<std::string> paths;
-    for (const Glib::ustring& uri : data.get_uris()) {
-        try {
-            paths.push_back(Glib::filename_from_uri(uri));
-        } catch (const Glib::Error&) {
-            libutils::report("talovue3: ", uri.raw(), ": not a file of this machine.");
-        }
-    }
-    open(paths);
+    open_dropped(data.get_uris());
 }
 
 bool viewer_window_t::on_key_press_event(GdkEventKey* event) {

@@ -20,6 +20,9 @@ class viewer_window_t : public Gtk::Window {
 
     void start_slide_show(double seconds);
 
+    // Shows what was dropped onto the window, unless one of it does not exist, which is reported.
+    void open_dropped(const std::vector<Glib::ustring>& uris);
+
   protected:
     bool on_key_press_event(GdkEventKey* event) override;
     bool on_window_state_event(GdkEventWindowState* event) override;
@@ -32,7 +35,6 @@ class viewer_window_t : public Gtk::Window {
     void toggle_info();
     void back();
     [[nodiscard]] bool slide();
-    void open(const std::vector<std::string>& paths);
     void refresh();
     void refresh_info();
     [[nodiscard]] Glib::ustring title() const;

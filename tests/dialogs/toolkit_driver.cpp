@@ -136,6 +136,16 @@ void settle() {
     }
 }
 
+void wait_until(const std::function<bool()>& done) {
+    static_cast<void>(stderr_of([&] {
+        for (int i = 0; i < 500 && !done(); ++i) {
+            g_usleep(10'000);
+            settle();
+        }
+    }));
+    EXPECT_TRUE(done());
+}
+
 }  // namespace test_support
 
 int main(int argc, char** argv) {

@@ -53,4 +53,8 @@ void answer_next(const Glib::ustring& text, const Glib::ustring& label);
 // Runs the toolkit's pending events.
 void settle();
 
+// The same until `done` holds; a test failure when that takes some seconds. What is written to standard error meanwhile
+// does not show.
+void wait_until(const std::function<bool()>& done);
+
 }  // namespace test_support

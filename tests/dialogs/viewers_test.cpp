@@ -37,17 +37,6 @@ struct book_t {
     }
 };
 
-// Lets the toolkit draw and decode until `done` holds.
-void wait_until(const std::function<bool()>& done) {
-    static_cast<void>(stderr_of([&] {
-        for (int i = 0; i < 500 && !done(); ++i) {
-            g_usleep(10'000);
-            settle();
-        }
-    }));
-    EXPECT_TRUE(done());
-}
-
 TEST(ViewAlbumDialog, shows_moves_and_turns) {
     book_t book;
     ViewAlbumDialog dialog(book.window, book.album, "");

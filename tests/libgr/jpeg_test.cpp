@@ -154,6 +154,20 @@ TEST(Jpeg, FewBytesMakeLittleWork) {
                 testing::ContainsRegex("more than [12][0-9] scans"));
 }
 
+TEST(Jpeg, DecodesAtAReducedScale) {
+    const blob_t file = make_jpeg({.width = 33, .height = 17});
+    jpegdata_t data = in_memory(file);
+    for (unsigned eighths = 1; eighths <= 8; ++eighths) {
+        SCOPED_TRACE(eighths);
+        jpeginfo_t info;
+        image2d_t image;
+        ASSERT_TRUE(info.decompress_scaled(image, data, eighths));
+        EXPECT_EQ(std::pair(info.width, info.height), std::pair(uint64_t{33}, uint64_t{17}));
+        EXPECT_EQ(image.window.width, (33 * eighths + 7) / 8);
+        EXPECT_EQ(image.window.height, (17 * eighths + 7) / 8);
+    }
+}
+
 TEST(Jpeg, EncodesOrRefusesBeforehand) {
     const auto encoded = [](e_image_format_t format, uint32_t width, uint32_t height, size_t segment_bytes) {
         image2d_t image;
