@@ -101,7 +101,7 @@ bool save_comments(const album_command_t& command, const album_job_t& job) {
 bool replaces_nothing(const album_job_t& job) {
     const std::vector<std::string> conflicts = find_conflicts(job.from, job.files, job.album);
     for (const std::string& path : conflicts) {
-        libutils::report(one_line(path), ": there already, with other contents.");
+        libutils::report(libutils::one_line(path), ": there already, with other contents.");
     }
     if (!conflicts.empty()) {
         libutils::report("talomake: nothing was imported. Files that differ: ", conflicts.size(),
@@ -116,7 +116,7 @@ void report_failed(const album_job_t& job, const std::vector<std::string>& left_
         names += (names.empty() ? "" : ", ") + name;
     }
     if (!left_out.empty()) {
-        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(), " files failed: ", one_line(names));
+        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(), " files failed: ", libutils::one_line(names));
     }
 }
 
@@ -144,11 +144,11 @@ bool rewrite_book(const std::string& album) {
 bool verify_one_album(const std::string& album) {
     size_t count = 0;
     const auto report_finding = [](const std::string& path, const std::string& what) {
-        libutils::report(one_line(path), ": ", what);
+        libutils::report(libutils::one_line(path), ": ", what);
     };
     const bool good = verify_album(album, report_finding, count);
     if (good) {
-        std::cout << libutils::join_text(one_line(album), ": ", count, count == 1 ? " file" : " files",
+        std::cout << libutils::join_text(libutils::one_line(album), ": ", count, count == 1 ? " file" : " files",
                                          " as imported.\n");
     }
     return good;
