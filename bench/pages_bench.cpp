@@ -15,7 +15,7 @@ namespace {
 
 using namespace taloram;
 
-constexpr size_t photographs = 100;
+constexpr int64_t photographs = 100;
 
 // An album with pictures of the least size; the directory goes with the object.
 class album_t {
@@ -27,7 +27,7 @@ class album_t {
         std::filesystem::create_directories(entry_path(directory_.path(), layout::html));
         const test_support::blob_t jpeg = test_support::make_camera_jpeg({.width = 64, .height = 48}, 1, true);
         std::vector<files_t> files;
-        for (size_t i = 0; i < photographs; ++i) {
+        for (int64_t i = 0; i < photographs; ++i) {
             files.push_back({libutils::join_text("P", 1000 + i, ".jpg")});
             test_support::write_file(entry_path(original, files.back().filename), jpeg);
         }
@@ -44,7 +44,7 @@ class album_t {
 };
 
 template <typename Step>
-void run(benchmark::State& state, size_t photographs_a_step, const Step& step) {
+void run(benchmark::State& state, int64_t photographs_a_step, const Step& step) {
     const album_t album;
     bool good = album.is_made();
     for ([[maybe_unused]] const auto& turn : state) {
@@ -53,7 +53,7 @@ void run(benchmark::State& state, size_t photographs_a_step, const Step& step) {
     if (!good) {
         state.SkipWithError("failed");
     }
-    state.SetItemsProcessed(static_cast<int64_t>(state.iterations() * photographs_a_step));
+    state.SetItemsProcessed(state.iterations() * photographs_a_step);
 }
 
 void summary(benchmark::State& state) {

@@ -103,7 +103,7 @@ void reduce_photograph(benchmark::State& state, sampling_t sampling) {
     run(state, [&] {
         reduction_t reduction;
         reduction.levels.resize(4);
-        for (const size_t wanted : {0, 1, 3}) {
+        for (const size_t wanted : {0U, 1U, 3U}) {
             reduction.levels[wanted].wanted = true;
         }
         return reduce(reduction, data);
