@@ -156,7 +156,9 @@ bool picture_view_t::is_detailed_enough() const {
         return true;
     }
     const double wanted = std::min(zoom(), 1.0);
-    return entry->detailed_for >= wanted || entry->fitted.pixels->get_width() >= entry->fitted.width * wanted;
+    // Far too much is drawn slowly.
+    const bool fits = entry->detailed_for >= wanted && entry->detailed_for <= 2 * wanted;
+    return fits || entry->fitted.pixels->get_width() >= entry->fitted.width * wanted;
 }
 
 void picture_view_t::plan() {

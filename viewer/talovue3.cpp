@@ -9,6 +9,7 @@
 #include "libutils/program.h"
 #include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
+#include "talolib/program_path.h"
 #include "toolkit/display.h"
 #include "viewer/command_line.h"
 #include "viewer/viewer_window.h"
@@ -21,7 +22,7 @@ int show(int argc, char** argv, const talovue::command_line_t& line, talovue::pi
         return talovue::status_failed;
     }
     Gtk::Main toolkit(argc, argv);
-    const std::string directory = libutils::dirname(argv[0]);
+    const std::string directory = libutils::dirname(talolib::program_path(argv[0], "taloram"));
     static_cast<void>(talolib::init_message(directory.c_str(), "taloram"));
     taloram::initexif(directory.c_str(), "taloram");
     talovue::viewer_window_t window(std::move(list));
