@@ -1,4 +1,5 @@
 #include <gtkmm/main.h>
+#include <gtkmm/window.h>
 
 #include <csignal>
 #include <exception>
@@ -22,6 +23,7 @@ int show(int argc, char** argv, const talovue::command_line_t& line, talovue::pi
         return talovue::status_failed;
     }
     Gtk::Main toolkit(argc, argv);
+    Gtk::Window::set_default_icon_name("talovue3");
     const std::string directory = libutils::dirname(talolib::program_path(argv[0], "taloram"));
     static_cast<void>(talolib::init_message(directory.c_str(), "taloram"));
     taloram::initexif(directory.c_str(), "taloram");

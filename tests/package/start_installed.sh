@@ -98,8 +98,18 @@ start_windows() {
     start_window "without a language" C "Photo Albums" "$prefix/lib/taloram/taloram"
 }
 
+# By itself, and by PATH; without its catalogue it says so.
+start_viewer() {
+    [ -e "$prefix/bin/talovue3" ] || return 0
+    echo "talovue3: $LANG"
+    start_taloram talovue3 "$place/card"
+    wait_for 60 "The viewer" xdotool search --onlyvisible --class talovue3
+    ! grep . "$HOME/taloram.log" || fail "talovue3 complains"
+}
+
 start_desktop "$place/home"
 PATH=$prefix/bin:$PATH
 printf 'from=%s\r\nalbum=%s\r\n' "$place/card" "$HOME/album" >"$HOME/.taloram"
 start_commands
 start_windows
+start_viewer
