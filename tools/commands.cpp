@@ -116,7 +116,8 @@ void report_failed(const album_job_t& job, const std::vector<std::string>& left_
         names += (names.empty() ? "" : ", ") + name;
     }
     if (!left_out.empty()) {
-        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(), " files failed: ", libutils::one_line(names));
+        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(),
+                         " files failed: ", libutils::one_line(names));
     }
 }
 
