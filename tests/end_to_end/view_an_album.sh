@@ -151,6 +151,7 @@ is_gone() {
 close_all() {
     kill "$taloram"
     wait "$taloram" || true
+    taloram=$(xdotool getwindowpid "$viewer") # who is played from here on
     xdotool windowactivate --sync "$viewer"
     press Right
     wait_title "IMG_0002.JPG - 2 / $pictures - "

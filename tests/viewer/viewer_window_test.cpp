@@ -92,8 +92,8 @@ TEST_F(ViewerWindow, OpensWhatIsDroppedAndGoesRound) {
     std::filesystem::create_directory(dir_ / "empty");
     viewer_window_t& window = open("empty");
     EXPECT_EQ("Viewer", window.get_title());
-    for (const guint key : {GDK_KEY_Right, GDK_KEY_End, GDK_KEY_plus, GDK_KEY_r, GDK_KEY_i}) {
-        press_key(window, key);
+    for (const auto key : {GDK_KEY_Right, GDK_KEY_End, GDK_KEY_plus, GDK_KEY_r, GDK_KEY_i}) {
+        press_key(window, static_cast<guint>(key));
     }
     window.start_slide_show(0.2);
     EXPECT_TRUE(shows_text(window, "There are no photographs here. Drop some, or a folder of them, onto this window."));
