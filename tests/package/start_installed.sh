@@ -54,7 +54,8 @@ start_window() {
     shift 3
     start_taloram "$@"
     wait_window "taloram - $title"
-    local main=$window
+    local main=$window started=$taloram
+    taloram=$(xdotool getwindowpid "$main") # the desktop's launcher has a process of its own
     if [ -e "$prefix/bin/talovue3" ]; then
         press Tab space
         wait_for 60 "The viewer" xdotool search --onlyvisible --class talovue3
@@ -64,7 +65,8 @@ start_window() {
     fi
     xdotool windowkill "$main"
     wait_for 60 "The window's end" is_closed "$main"
-    wait "$taloram" || true # it lost its display
+    wait "$started" || true # it lost its display
+    taloram=
 }
 
 is_not_in_front() {
