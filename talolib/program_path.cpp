@@ -1,11 +1,28 @@
 #include "talolib/program_path.h"
 
+#include <sys/auxv.h>
+
 #include <filesystem>
 #include <system_error>
 
 #include "libutils/path.h"
 
 namespace talolib {
+
+namespace {
+
+// "" when the system doesn't tell.
+std::string executable_path() {
+    std::error_code failure;
+    std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", failure);
+    if (failure) {  // /proc need not be mounted
+        const unsigned long started = getauxval(AT_EXECFN);
+        path = started == 0 ? "" : std::filesystem::canonical(reinterpret_cast<const char*>(started), failure);
+    }
+    return path.string();
+}
+
+}  // namespace
 
 std::string program_path(const std::string& argv0, const std::string& name) {
     const std::string catalogue = name + ".msg";
@@ -14,9 +31,7 @@ std::string program_path(const std::string& argv0, const std::string& name) {
         !directory.empty() && libutils::is_exist(directory + catalogue)) {
         return argv0;
     }
-    std::error_code failure;
-    const std::string executable = std::filesystem::read_symlink("/proc/self/exe", failure).string();
-    const std::string own_directory = libutils::dirname(executable);
+    const std::string own_directory = libutils::dirname(executable_path());
     const bool is_found = !own_directory.empty() && libutils::is_exist(own_directory + catalogue);
     return is_found ? own_directory + libutils::filename(argv0) : argv0;
 }
