@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "libgr/jpeg/coefficient_turn.h"
 #include "libgr/jpeg/lossless_turn.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -65,6 +66,32 @@ TEST(LosslessTurn, RealFilesTurnedTwiceAreTheSame) {
     for (const std::string name : {"odd-227x149.jpg", "restart-33x33.jpg"}) {
         const blob_t file = real_photos().empty() ? make_jpeg({}) : read_file(real_photos() + "/shapes/" + name);
         EXPECT_EQ(turned(2, turned(2, file)), turned(0, file)) << name;
+    }
+}
+
+TEST(LosslessTurn, ReadsCropRequests) {
+    struct case_t {
+        const char* text;
+        crop_request_t request;
+    };
+    const case_t good[] = {{"30x20", {30, 20, 0, 0, false, false}},
+                           {"30X20+4-5", {30, 20, 4, 5, false, true}},
+                           {"30-4+5", {30, 0, 4, 5, true, false}},
+                           {"x20", {0, 20, 0, 0, false, false}},
+                           {"+0+0", {}}};
+    for (const case_t& c : good) {
+        SCOPED_TRACE(c.text);
+        jpeg_transform_info info;
+        ASSERT_TRUE(jtransform_parse_crop_spec(info, c.text));
+        const crop_request_t& read = info.crop_request;
+        EXPECT_EQ(std::tie(read.width, read.height, read.x_offset, read.y_offset, read.from_right, read.from_bottom),
+                  std::tie(c.request.width, c.request.height, c.request.x_offset, c.request.y_offset,
+                           c.request.from_right, c.request.from_bottom));
+    }
+    for (const char* text : {"", "x", "0x20", "30x0", "30x", "30x20+4", "30x20+4+", "30x20+4+5x", "a", "30 x20",
+                             "99999999999999999999x1"}) {
+        jpeg_transform_info info;
+        EXPECT_FALSE(jtransform_parse_crop_spec(info, text) || info.crop) << text;
     }
 }
 
