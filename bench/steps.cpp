@@ -10,6 +10,7 @@
 #include "dialogs/thumbnails.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
+#include "libutils/memory.h"
 
 // steps turn <from> <to>      turns every photograph of a directory a quarter clockwise, into another one
 // steps previews <directory>  loads the previews of all photographs of a directory
@@ -35,6 +36,7 @@ bool load_all_previews(const std::string& from, const names_t& names) {
 }  // namespace
 
 int main(int argc, char** argv) {
+    libutils::keep_freed_memory();
     const std::string step = argc > 2 ? argv[1] : "";
     names_t names;
     if (!libutils::getfiles(names, argc > 2 ? argv[2] : "")) {

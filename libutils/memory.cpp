@@ -1,5 +1,6 @@
 #include "libutils/memory.h"
 
+#include <malloc.h>
 #include <fstream>
 #include <limits>
 #include <locale>
@@ -23,6 +24,14 @@ uint64_t available_memory() {
         }
     }
     return told ? kilobytes * 1024 : std::numeric_limits<uint64_t>::max();
+}
+
+void keep_freed_memory() {
+#ifdef __GLIBC__
+    constexpr int kept = 256 << 20;  // bytes
+    mallopt(M_MMAP_THRESHOLD, kept);
+    mallopt(M_TRIM_THRESHOLD, kept);
+#endif
 }
 
 }  // namespace libutils

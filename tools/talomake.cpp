@@ -2,6 +2,7 @@
 #include <exception>
 #include <iostream>
 
+#include "libutils/memory.h"
 #include "libutils/program.h"
 #include "tools/command_line.h"
 #include "tools/commands.h"
@@ -28,6 +29,7 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write, not the end in the middle of an import
     std::signal(SIGXFSZ, SIG_IGN);  // so is a file that grew too large
     libutils::hold_standard_descriptors();
+    libutils::keep_freed_memory();
     int status = run(argc, argv);
     if (!std::cout.flush() && status == talomake::status_done) {
         libutils::report("talomake: can't write to standard output.");
