@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -12,6 +13,7 @@
 #include "libutils/diagnostics.h"
 #include "libutils/ofsvector.h"
 #include "libutils/path.h"
+#include "libutils/write_all.h"
 
 namespace libutils {
 
@@ -23,12 +25,12 @@ bool filecopy(const char* from, const char* to) {
     if (!bytes.load(0, from, PROT_READ_ONLY, 0, false, nullptr)) {
         return false;
     }
-    std::ofstream out(to, std::ios::binary | std::ios::trunc);
-    if (!out) {
+    const int out = open(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (out < 0) {
         return false;
     }
-    out.write(reinterpret_cast<const char*>(bytes.begin()), static_cast<std::streamsize>(bytes.size()));
-    out.close();
+    static_cast<void>(write_all(out, {reinterpret_cast<const char*>(bytes.begin()), bytes.size()}));
+    close(out);
     bytes.clear();
     return copydate(from, to);
 }

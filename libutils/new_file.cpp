@@ -5,9 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <list>
@@ -15,6 +13,7 @@
 
 #include "libutils/directory.h"
 #include "libutils/text.h"
+#include "libutils/write_all.h"
 
 namespace libutils {
 
@@ -143,17 +142,7 @@ bool new_file_t::open_named() {
 }
 
 bool new_file_t::write(std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written = ::write(descriptor_, bytes.data(), std::min<size_t>(bytes.size(), INT_MAX));
-        if (written < 0 && errno == EINTR) {
-            continue;
-        }
-        if (written <= 0) {
-            return false;
-        }
-        bytes.remove_prefix(static_cast<size_t>(written));
-    }
-    return true;
+    return write_all(descriptor_, bytes);
 }
 
 bool new_file_t::link_to(const std::string& name) const {

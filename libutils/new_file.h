@@ -15,7 +15,7 @@ enum class staging_t {
 };
 
 // A file that is complete under its name or not there at all: whoever looks at the name, also after the program was
-// killed, finds the old file or the new one.
+// killed, finds the old file or the new one; with staging_t::none, for a moment, none.
 //
 // The bytes go into a file without a name where the file system offers that (O_TMPFILE), else into a hidden temporary;
 // commit() puts it in place. Another hard link of the old file keeps the old contents. Destroyed without commit() it
