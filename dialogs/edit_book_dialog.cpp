@@ -286,7 +286,7 @@ void EditBookDialog::make_album() {
         return;
     }
     if (!has_room(order.source, order.files, order.album)) {
-        show_error(*this, msg_album_failed);
+        show_error(*this, msg_no_room);
         return;
     }
     libutils::mkdir(order.album.c_str());

@@ -90,6 +90,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_photo_too_much = 83,  // a reason
     msg_reading_photo = 84,
     msg_slide_show = 85,  // in the title while it runs
+    msg_no_room = 86,
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);

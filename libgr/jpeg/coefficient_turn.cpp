@@ -7,6 +7,8 @@
 #include <string_view>
 #include <utility>
 
+#include "libgr/image/round_up.h"
+
 namespace libgr {
 
 namespace {
@@ -69,10 +71,6 @@ struct turned_component_t {
     JDIMENSION mirror_width;  // blocks in whole iMCUs
     JDIMENSION mirror_height;
 };
-
-JDIMENSION round_up(JDIMENSION count, JDIMENSION unit) {
-    return (count + unit - 1) / unit * unit;
-}
 
 template <bool transpose, bool left_right, bool top_bottom>
 void turn_block(JCOEF* to, const JCOEF* from) {

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "libgr/image/halve_rows.h"
+#include "libgr/image/round_up.h"
 #include "libgr/jpeg/ycc_rows.h"
 
 namespace libgr {
@@ -11,10 +12,6 @@ namespace libgr {
 namespace {
 
 constexpr size_t row_alignment = 64;  // a cache line, and the widest vectors
-
-size_t round_up(size_t count, size_t unit) {
-    return (count + unit - 1) / unit * unit;
-}
 
 }  // namespace
 

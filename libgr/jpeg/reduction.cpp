@@ -4,6 +4,7 @@
 #include <array>
 
 #include "libgr/image/halve_rows.h"
+#include "libgr/image/round_up.h"
 #include "libgr/jpeg/reduced_level.h"
 #include "libgr/jpeg/ycc_rows.h"
 
@@ -14,10 +15,6 @@ namespace {
 // A picture's sides have 16 bits, which 16 halvings use up (ITU-T T.81 B.2.2).
 constexpr size_t max_levels = 16;
 constexpr size_t row_alignment = 64;
-
-size_t round_up(size_t count, size_t unit) {
-    return (count + unit - 1) / unit * unit;
-}
 
 // Takes the picture from the decompressor and hands halved rows to the first level. One of the two below.
 //

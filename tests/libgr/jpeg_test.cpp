@@ -5,6 +5,7 @@
 
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/lossless_turn.h"
+#include "tests/libgr/jpeg_in_memory.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 
@@ -12,16 +13,6 @@ using namespace libgr;
 using namespace test_support;
 
 namespace {
-
-jpegdata_t in_memory(const blob_t& bytes) {
-    jpegdata_t data;
-    EXPECT_TRUE(data.resize(bytes.size()));
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    data.name = "P";
-    return data;
-}
-
-const auto bytes_of = [](const libutils::bytes_t& view) { return blob_t(view.begin(), view.end()); };
 
 auto segments_of(const jpeginfo_t& info) {
     std::vector<std::pair<int, blob_t>> segments;

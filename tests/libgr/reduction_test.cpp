@@ -6,6 +6,7 @@
 
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpeginfo.h"
+#include "tests/libgr/jpeg_in_memory.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 
@@ -13,18 +14,6 @@ using namespace libgr;
 using namespace test_support;
 
 namespace {
-
-jpegdata_t in_memory(const blob_t& bytes) {
-    jpegdata_t data;
-    EXPECT_TRUE(data.resize(bytes.size()));
-    std::copy(bytes.begin(), bytes.end(), data.begin());
-    data.name = "P";
-    return data;
-}
-
-blob_t bytes_of(const libutils::bytes_t& view) {
-    return {view.begin(), view.end()};
-}
 
 // Every level that has pixels, one picture after the other.
 std::vector<blob_t> plain_levels(jpegdata_t& data, int quality) {
