@@ -1,5 +1,7 @@
 #include "album/comment_store.h"
 
+#include <sys/stat.h>
+
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -65,15 +67,28 @@ std::string lines_of(const std::string& text) {
     return lines;
 }
 
-// A comment file. Nobody can write the user's words again, so they wait for the disk.
+// False, with errno set, for a file that is there and can't be read.
+bool is_readable_or_absent(const std::string& path) {
+    struct stat status {};
+    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
+        return true;
+    }
+    std::string text;
+    errno = EIO;  // unless opening it knows better
+    return load_text(text, path);
+}
+
+// A comment file. Nobody can write the user's words again, so they wait for the disk; and those that could not be read
+// were not seen by whoever wants to replace them.
 class comment_file_t {
   public:
-    explicit comment_file_t(const std::string& path) : file_(path, libutils::staging_t::above) {}
+    explicit comment_file_t(const std::string& path) : path_(path), file_(path, libutils::staging_t::above) {}
 
-    [[nodiscard]] bool open() { return file_.open_as_old(); }
+    [[nodiscard]] bool open() { return is_readable_or_absent(path_) && file_.open_as_old(); }
     [[nodiscard]] bool save(const std::string& lines) { return file_.write(lines) && file_.commit_to_disk(); }
 
   private:
+    std::string path_;
     libutils::new_file_t file_;
 };
 

@@ -17,7 +17,8 @@ bool loadcommenttxt(const std::string& album, std::string& title, std::string& h
 // empty, stay as they are. Texts come with their line ends.
 void loadcomment(const std::string& txtdir, std::string& title, std::string& head, std::string& last);
 
-// Writes head.txt and last.txt, making txt/ first. Failures are reported.
+// Writes head.txt and last.txt, making txt/ first. Failures are reported; a text that is there and can't be read is not
+// replaced.
 [[nodiscard]] bool savecommenttxt(const std::string& album, const std::string& title, const std::string& head,
                                   const std::string& last);
 
