@@ -91,6 +91,14 @@ enum e_message_local_t : talolib::e_message_t {
     msg_reading_photo = 84,
     msg_slide_show = 85,  // in the title while it runs
     msg_no_room = 86,
+    // photographs' windows: 87 to 98
+    msg_reserved_99 = 99,
+    // books' windows: 100 to 118
+    msg_reserved_119 = 119,
+    // the viewer: 120 to 124
+    msg_reserved_125 = 125,
+    // imports: 126 to 128
+    msg_reserved_end = 129,
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);
