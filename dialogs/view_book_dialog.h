@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "dialogs/book_entries.h"
+#include "album/book_entries.h"
 #include "dialogs/viewer_parts.h"
 
 namespace taloram {

@@ -1,4 +1,4 @@
-#include "dialogs/book_entries.h"
+#include "album/book_entries.h"
 
 #include <fstream>
 #include <list>
