@@ -7,6 +7,7 @@
 #include "album/book_index.h"
 #include "album/engine_step.h"
 #include "album/reduced_sizes.h"
+#include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/new_file.h"
@@ -38,32 +39,47 @@ bool update_book_page(const std::string& book) {
 
 }  // namespace
 
-bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& /*copyprogress*/,
+bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
                  progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress) {
+    progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
+    return updatealbum(files, album, progress);
+}
+
+bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_signals_t& progress) {
     if (!names_an_album(album)) {
         return false;
     }
+    write_lock_t lock;
+    if (!lock_album(lock, album)) {
+        return false;
+    }
     libutils::remove_leftovers(album);
+    progress.begun.emit(album, files);
     // An import that was stopped while it copied has left none.
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
-    return step_done(shrinkupdate(files, album, shrinkprogress), "shrinkupdate") &&
-           step_done(makehtml(album, htmlprogress), "makehtml") &&
-           step_done(makehtmlzoom(album, zoomprogress), "makehtmlzoom");
+    return step_done(shrinkupdate(files, album, progress.sizes), "shrinkupdate") &&
+           step_done(makehtml(album, progress.pages), "makehtml") &&
+           step_done(makehtmlzoom(album, progress.zoom_pages), "makehtmlzoom");
 }
 
 bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,
                  progress_t& htmlprogress, progress_t& zoomprogress) {
-    return batchupdate(path, update_options_t(), copyprogress, shrinkprogress, htmlprogress, zoomprogress);
+    progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
+    return batchupdate(path, update_options_t(), progress);
 }
 
-bool batchupdate(const std::string& path, const update_options_t& options, progress_t& copyprogress,
-                 progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress) {
+bool batchupdate(const std::string& path, const update_options_t& options, progress_signals_t& progress) {
     const auto update_album = [&](const std::string& album) {
+        write_lock_t lock;
         std::vector<files_t> files;
-        return list_originals(files, album) && step_done(treat_orphans(album, options.orphans), "prune") &&
-               updatealbum(files, album, copyprogress, shrinkprogress, htmlprogress, zoomprogress);
+        return lock_album(lock, album) && list_originals(files, album) &&
+               step_done(treat_orphans(album, options.orphans), "prune") && updatealbum(files, album, progress);
     };
-    return visit_albums(path, {update_album, update_book_page}).succeeded;
+    const auto update_book = [&](const std::string& book) {
+        progress.begun.emit(book, {});
+        return update_book_page(book);
+    };
+    return visit_albums(path, {update_album, update_book}).succeeded;
 }
 
 }  // namespace taloram

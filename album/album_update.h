@@ -2,6 +2,7 @@
 
 #include "album/album_layout.h"
 #include "album/orphans.h"
+#include "album/progress.h"
 
 namespace taloram {
 
@@ -9,10 +10,13 @@ struct update_options_t {
     orphans_t orphans = orphans_t::keep;
 };
 
-// Brings an existing album up to date: the reduced sizes of the listed photographs, then the pages. `copyprogress` is
-// never emitted.
+// Brings an existing album up to date while no other program writes to it: the reduced sizes of the listed photographs,
+// then the pages. `copyprogress` is never emitted.
 [[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
                                progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
+
+[[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album,
+                               progress_signals_t& progress);
 
 // Brings an album up to date with all its originals unturned, or every album below a book, to any depth, and the books'
 // index pages. A directory below the named one counts as a book when it has txt/ or an album below it. A failure does
@@ -21,7 +25,6 @@ struct update_options_t {
                                progress_t& htmlprogress, progress_t& zoomprogress);
 
 // The same; what is left of photographs whose original is gone is treated before an album's pages are written.
-[[nodiscard]] bool batchupdate(const std::string& path, const update_options_t& options, progress_t& copyprogress,
-                               progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
+[[nodiscard]] bool batchupdate(const std::string& path, const update_options_t& options, progress_signals_t& progress);
 
 }  // namespace taloram

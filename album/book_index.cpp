@@ -9,6 +9,7 @@
 #include "album/comment_store.h"
 #include "album/page_frame.h"
 #include "album/text_file.h"
+#include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/text.h"
@@ -74,6 +75,10 @@ void write_row(std::ostream& out, const std::string& book, const std::string& na
 }  // namespace
 
 bool makehtmlbook(const std::string& book) {
+    write_lock_t lock;
+    if (!lock_album(lock, book)) {
+        return false;
+    }
     std::list<std::string> names;
     if (!libutils::getdirs(names, book.c_str())) {
         libutils::report(book, ": getdirs() failed.");

@@ -9,6 +9,7 @@
 
 #include "album/album_layout.h"
 #include "album/text_file.h"
+#include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/new_file.h"
@@ -134,6 +135,10 @@ void loadcomment(const std::string& txtdir, std::string& title, std::string& hea
 
 bool savecommenttxt(const std::string& album, const std::string& title, const std::string& head,
                     const std::string& last) {
+    write_lock_t lock;
+    if (!lock_album(lock, album)) {
+        return false;
+    }
     libutils::mkdir(entry_path(album, layout::text).c_str());
     const std::string title_line = title + "\r\n";
     return save_text(text_path(album, head_name.name), title_line + title_line + lines_of(head)) &&
@@ -166,6 +171,10 @@ bool loadphotocommentlines(std::list<std::string>& lines, const std::string& alb
 }
 
 bool savephotocomment(const std::string& text, const std::string& album, const std::string& photo) {
+    write_lock_t lock;
+    if (!lock_album(lock, album)) {
+        return false;
+    }
     const std::string path = photo_comment_path(album, photo, photo_suffix.name);
     comment_file_t file(path);
     if (!file.open() || !file.save(lines_of(text))) {

@@ -18,6 +18,7 @@
 #include "album/orphans.h"
 #include "album/reduced_sizes.h"
 #include "album/verification.h"
+#include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/file_copy.h"
@@ -231,19 +232,22 @@ void import_t::drop_failed() {
 bool makealbumwithrotate(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                          progress_t& copyprogress, progress_t& shrinkprogress, progress_t& htmlprogress,
                          progress_t& zoomprogress) {
-    progress_t unseen;
+    progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
     std::vector<std::string> left_out;
-    return import_album(srcdir, files, album, {}, {copyprogress, unseen, shrinkprogress, htmlprogress, zoomprogress},
-                        left_out);
+    return import_album(srcdir, files, album, {}, progress, left_out);
 }
 
 bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                  const import_options_t& options, const import_progress_t& progress,
-                  std::vector<std::string>& left_out) {
+                  const import_options_t& options, progress_signals_t& progress, std::vector<std::string>& left_out) {
     if (!names_an_album(album)) {
         return false;
     }
+    write_lock_t lock;
+    if (!lock_album(lock, album)) {
+        return false;
+    }
     libutils::remove_leftovers(album);
+    progress.begun.emit(album, files);
     import_t import(srcdir, files, album, options);
     const bool made = import.load_manifest() && step_done(import.copy(progress.copy), "copyfiles") &&
                       step_done(import.verify(progress.verify), "verify") &&

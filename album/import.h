@@ -1,6 +1,7 @@
 #pragma once
 
 #include "album/album_layout.h"
+#include "album/progress.h"
 
 namespace taloram {
 
@@ -18,23 +19,15 @@ struct import_options_t {
     bool keep_going = false;
 };
 
-struct import_progress_t {
-    progress_t& copy;
-    progress_t& verify;
-    progress_t& sizes;
-    progress_t& pages;
-    progress_t& zoom_pages;
-};
-
-// The same with options. The steps are traced as above, that of the comparison by "verify() failed.". An album that has
-// SHA256SUMS keeps it, whether the import verifies or not.
+// The same with options, while no other program writes to the album. The steps are traced as above, that of the
+// comparison by "verify() failed.". An album that has SHA256SUMS keeps it, whether the import verifies or not.
 //
 // With keep_going `left_out` gets the names of the files that failed, and the result is true when nothing else did: of
 // a photograph that was left out the album has no original, no size, no thumbnail and no zoom page. But what can't be
 // copied replaces nothing and leaves an older file with its sizes as it was; and an original stays that is the album's
 // own or whose source can't be read any more, because it may be the only copy.
 [[nodiscard]] bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                                const import_options_t& options, const import_progress_t& progress,
+                                const import_options_t& options, progress_signals_t& progress,
                                 std::vector<std::string>& left_out);
 
 // Copies the listed files: photographs into original/, movies into movie/, all others into txt/, which must exist. A

@@ -194,10 +194,8 @@ void EditAlbumDialog::save_texts() {
 
 void EditAlbumDialog::update_album() {
     const std::vector<files_t> files = selected_files();
-    progress_.begin(message_text(msg_album_directory) + ": " + to_toolkit(album_), files);
-    const bool updated = updatealbum(
-        files, album_, progress_.signal(progress_window_t::copy), progress_.signal(progress_window_t::sizes),
-        progress_.signal(progress_window_t::pages), progress_.signal(progress_window_t::zoom_pages));
+    progress_.begin(to_toolkit(album_));
+    const bool updated = updatealbum(files, album_, progress_.signals());
     progress_.end();
     if (!updated) {
         libutils::report(album_, ": updatealbum() failed.");

@@ -39,10 +39,10 @@ class EditAlbumDialog : public Gtk::Dialog {
     [[nodiscard]] std::vector<files_t> selected_files() const;
 
     // Progress of copy, sizes, index page and zoom pages.
-    void setProgress1(double fraction) { progress_.set_progress(progress_window_t::copy, fraction); }
-    void setProgress2(double fraction) { progress_.set_progress(progress_window_t::sizes, fraction); }
-    void setProgress3(double fraction) { progress_.set_progress(progress_window_t::pages, fraction); }
-    void setProgress4(double fraction) { progress_.set_progress(progress_window_t::zoom_pages, fraction); }
+    void setProgress1(double fraction) { progress_.set_progress(stage_t::copy, fraction); }
+    void setProgress2(double fraction) { progress_.set_progress(stage_t::sizes, fraction); }
+    void setProgress3(double fraction) { progress_.set_progress(stage_t::pages, fraction); }
+    void setProgress4(double fraction) { progress_.set_progress(stage_t::zoom_pages, fraction); }
 
     void table_size_allocate(Gdk::Rectangle& allocation);
 

@@ -333,11 +333,9 @@ bool EditBookDialog::order_album(album_order_t& order) {
 }
 
 bool EditBookDialog::import_album(const album_order_t& order) {
-    progress_.begin(to_toolkit(order.album), order.files);
-    bool made =
-        makealbumwithrotate(order.source, order.files, order.album, progress_.signal(progress_window_t::copy),
-                            progress_.signal(progress_window_t::sizes), progress_.signal(progress_window_t::pages),
-                            progress_.signal(progress_window_t::zoom_pages));
+    progress_.begin(to_toolkit(order.album));
+    std::vector<std::string> left_out;
+    bool made = taloram::import_album(order.source, order.files, order.album, {}, progress_.signals(), left_out);
     if (made) {
         const std::string base = libutils::strip_trailing_slash(libutils::dirname(order.album));
         talolib::trace(std::cout, base, ": basedir.");
@@ -352,9 +350,7 @@ bool EditBookDialog::import_album(const album_order_t& order) {
 
 bool EditBookDialog::batchupdate(const std::string& path) {
     progress_.begin(to_toolkit(path));
-    const bool updated = taloram::batchupdate(
-        path, progress_.signal(progress_window_t::copy), progress_.signal(progress_window_t::sizes),
-        progress_.signal(progress_window_t::pages), progress_.signal(progress_window_t::zoom_pages));
+    const bool updated = taloram::batchupdate(path, update_options_t(), progress_.signals());
     progress_.end();
     return updated;
 }

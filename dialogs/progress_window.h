@@ -8,44 +8,44 @@
 #include <string>
 #include <vector>
 
-#include "album/album_layout.h"
+#include "album/progress.h"
 
 namespace taloram {
 
-// Shows a long operation of the engine: four bars, in the order of its four signals, each with a caption. While it is
-// shown it is modal and in front, so that nothing else can be started; it can't be closed, since the engine has nowhere
-// to stop.
+// Shows a long operation of the engine: four bars, one for each stage of an import without the comparison, with
+// captions. While it is shown it is modal and in front, so that nothing else can be started; it can't be closed, since
+// the engine has nowhere to stop.
 class progress_window_t : public Gtk::Dialog {
   public:
-    // Copy, sizes, index page, zoom pages.
-    enum stage_t { copy, sizes, pages, zoom_pages, stage_count };
+    static constexpr std::array shown_stages{stage_t::copy, stage_t::sizes, stage_t::pages, stage_t::zoom_pages};
 
     explicit progress_window_t(Gtk::Window& parent);
 
-    // The four signals, connected to the bars; valid while the window lives.
-    [[nodiscard]] progress_t& signal(stage_t stage) { return signals_[stage]; }
+    // Connected to the bars; valid while the window lives.
+    [[nodiscard]] progress_signals_t& signals() { return signals_; }
 
-    // Resets the bars and shows the window; `subject` is what is worked on. With the files that the engine is given,
-    // the window also shows which of them is at work.
-    void begin(const Glib::ustring& subject, const std::vector<files_t>& files = {});
+    // Resets the bars and shows the window; `subject` is what is worked on.
+    void begin(const Glib::ustring& subject);
     void end();
 
-    // Moves a bar to min(fraction, 1) and runs the toolkit's pending events. When the main loop was asked to quit
-    // meanwhile, the process ends with status 0.
+    // Moves a stage's bar to min(fraction, 1) and runs the toolkit's pending events. When the main loop was asked to
+    // quit meanwhile, the process ends with status 0.
     void set_progress(stage_t stage, double fraction);
 
   protected:
     bool on_delete_event(GdkEventAny* event) override;
 
   private:
+    void begin_album(const std::string& path, const std::vector<files_t>& files);
+    void show_files(const std::vector<files_t>& files);
     void show_file(stage_t stage, double fraction);
 
-    std::array<progress_t, stage_count> signals_;
-    std::vector<std::string> names_;  // of the files, may be empty
+    progress_signals_t signals_;
+    std::vector<std::string> names_;  // of the files that the stages count
     Gtk::Label subject_;
     Gtk::Label file_;
-    std::array<Gtk::Label, stage_count> captions_;
-    std::array<Gtk::ProgressBar, stage_count> bars_;
+    std::array<Gtk::Label, shown_stages.size()> captions_;
+    std::array<Gtk::ProgressBar, shown_stages.size()> bars_;
 };
 
 // Runs the toolkit's pending events one by one. When a main loop runs and was asked to quit, the process ends with

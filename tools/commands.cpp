@@ -17,6 +17,7 @@
 #include "album/jobs.h"
 #include "album/reduced_sizes.h"
 #include "album/verification.h"
+#include "album/write_lock.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "settings/settings.h"
@@ -39,6 +40,16 @@ namespace {
 // The catalogue and the settings file are those of the program with the window.
 constexpr const char* program_name = "taloram";
 
+// One line for each place that is waited for; waiting ends when the user ends the program.
+bool wait_for_writer(const std::string& directory) {
+    static std::string told;
+    if (told != directory) {
+        told = directory;
+        libutils::report(libutils::one_line(directory), ": another program writes there; waiting for its end.");
+    }
+    return true;
+}
+
 void start_up(const char* program, const run_options_t& options = {}) {
     const std::string directory = libutils::dirname(talolib::program_path(program, program_name));
     const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
@@ -56,30 +67,21 @@ void start_up(const char* program, const run_options_t& options = {}) {
         talolib::g_option[talolib::option_trace] = 1;
     }
     initexif(directory.c_str(), program_name);
+    g_wait_for_writer = wait_for_writer;
 }
 
 // The engine's signals, connected to a progress line.
 class shown_progress_t {
   public:
     explicit shown_progress_t(progress_mode_t mode) : line_(mode) {
-        connect(copy, stage_t::copy);
-        connect(verify, stage_t::verify);
-        connect(sizes, stage_t::sizes);
-        connect(pages, stage_t::pages);
-        connect(zoom_pages, stage_t::zoom_pages);
+        for (const stage_t stage : all_stages) {
+            signals.of(stage).connect([this, stage](double fraction) { line_.step(stage, fraction); });
+        }
     }
 
-    progress_t copy;
-    progress_t verify;
-    progress_t sizes;
-    progress_t pages;
-    progress_t zoom_pages;
+    progress_signals_t signals;
 
   private:
-    void connect(progress_t& signal, stage_t stage) {
-        signal.connect([this, stage](double fraction) { line_.step(stage, fraction); });
-    }
-
     progress_line_t line_;
 };
 
@@ -130,8 +132,7 @@ bool make_album(const album_command_t& command, const album_job_t& job, std::vec
         return false;
     }
     shown_progress_t progress(command.run.progress);
-    return import_album(job.from, job.files, job.album, {command.verify, command.keep_going},
-                        {progress.copy, progress.verify, progress.sizes, progress.pages, progress.zoom_pages},
+    return import_album(job.from, job.files, job.album, {command.verify, command.keep_going}, progress.signals,
                         left_out);
 }
 
@@ -186,8 +187,7 @@ class runner_t {
         shown_progress_t progress(command.run.progress);
         bool good = true;
         for (const std::string& directory : directories) {
-            good = batchupdate(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.copy,
-                               progress.sizes, progress.pages, progress.zoom_pages) &&
+            good = batchupdate(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.signals) &&
                    good;
         }
         return good ? status_done : status_failed;

@@ -12,6 +12,8 @@
 
 namespace talomake {
 
+using taloram::stage_t;
+
 namespace {
 
 constexpr const char* stage_names[] = {"Copying", "Checking copies", "Making sizes", "Writing pages",

@@ -7,11 +7,10 @@
 #include <streambuf>
 #include <string>
 
+#include "album/progress.h"
 #include "tools/command_line.h"
 
 namespace talomake {
-
-enum class stage_t { copy, verify, sizes, pages, zoom_pages };
 
 // Shows on standard error how far a run is: one line a stage, drawn over itself and left standing when the stage is
 // done. While it lives it stands behind std::cerr and std::cout, so that no text is ever mixed into the line: the line
@@ -24,7 +23,7 @@ class progress_line_t {
     progress_line_t& operator=(const progress_line_t&) = delete;
 
     // One more file of `stage` is done. `fraction` is in (0, 1]; the first one of a stage is 1 / number of files.
-    void step(stage_t stage, double fraction);
+    void step(taloram::stage_t stage, double fraction);
 
   private:
     using clock_t = std::chrono::steady_clock;
@@ -49,7 +48,7 @@ class progress_line_t {
         bool at_line_start_ = true;
     };
 
-    void begin(stage_t stage, double fraction, clock_t::time_point now);
+    void begin(taloram::stage_t stage, double fraction, clock_t::time_point now);
     void end(clock_t::time_point now);
     void draw();
     void erase();
@@ -59,7 +58,7 @@ class progress_line_t {
     std::optional<guard_t> standard_error_;  // empty when nothing is shown
     std::optional<guard_t> standard_output_;
     bool running_ = false;  // a stage was begun and not ended
-    stage_t stage_ = stage_t::copy;
+    taloram::stage_t stage_ = taloram::stage_t::copy;
     size_t count_ = 0;
     size_t total_ = 1;
     clock_t::time_point start_;  // of the stage

@@ -19,9 +19,7 @@ constexpr const char* sum_of_abc = "ba7816bf8f01cfea414140de5dae2223b00361a39617
 struct verified_import_test : album_test_t {
     std::string import(const import_options_t& options, const std::vector<files_t>& files, std::string from = "") {
         from = from.empty() ? card : from;
-        return outcome([&] {
-            return import_album(from, files, album, options, {silent, silent, silent, silent, silent}, left_out);
-        });
+        return outcome([&] { return import_album(from, files, album, options, unseen, left_out); });
     }
     std::string verify() {
         size_t count = 0;
@@ -44,6 +42,7 @@ struct verified_import_test : album_test_t {
     using strings_t = std::vector<std::string>;
 
     const blob_t photo = make_jpeg({.width = 100, .height = 40});
+    progress_signals_t unseen;
     std::vector<std::string> left_out;
 };
 
@@ -202,7 +201,7 @@ TEST_F(verified_import_test, an_update_prunes_only_when_told) {
         put(album + "/original/" + name, photo);
     }
     const auto update = [&](orphans_t orphans) {
-        return outcome([&] { return batchupdate(album, {orphans}, silent, silent, silent, silent); });
+        return outcome([&] { return batchupdate(album, {orphans}, unseen); });
     };
     EXPECT_EQ("true\n", update(orphans_t::report));
     const strings_t kept = {"html/notes_1x.html", "html/notes_17.html", "html/notes.html", "size0/gone.txt",
