@@ -77,12 +77,13 @@ page_texts_t load_texts(const std::string& album) {
     return {title, chopped_lines(head), chopped_lines(last)};
 }
 
-bool save_album_page(const page_t& page, const std::string& path, libutils::staging_t staging) {
-    const bool saved = page.save(path, staging);
-    if (!saved) {
-        libutils::report(path, ": open error, ", std::strerror(errno));
+bool save_album_page(const page_t& page, const std::string& album, const std::string& path,
+                     libutils::staging_t staging) {
+    const std::error_code failure = page.save(album, path, staging);
+    if (failure) {
+        libutils::report(path, ": open error, ", failure.message());
     }
-    return saved;
+    return !failure;
 }
 
 bool write_size_links(std::ostream& out, const std::string& album, const page_photo_t& photo) {
@@ -162,7 +163,7 @@ bool write_index(const std::string& album, page_texts_t& texts, const std::list<
     }
     out << "</UL>\n";
     write_page_foot(out, texts);
-    return save_album_page(out, entry_path(album, layout::index_page), libutils::staging_t::beside);
+    return save_album_page(out, album, entry_path(album, layout::index_page), libutils::staging_t::beside);
 }
 
 // The contact sheet. The anchor of a photograph with one size is never closed, as in the index.
@@ -176,7 +177,7 @@ bool write_list(const std::string& album, page_texts_t& texts, const std::vector
             << " 1x," << photo.link(photo.level) << " 2x\">" << (photo.level != 0 ? "</a>\n" : "");
     }
     write_page_foot(out, texts);
-    return save_album_page(out, entry_path(album, layout::list_page), libutils::staging_t::beside);
+    return save_album_page(out, album, entry_path(album, layout::list_page), libutils::staging_t::beside);
 }
 
 bool write_count(const std::string& album, size_t movies, size_t photos) {
@@ -185,7 +186,7 @@ bool write_count(const std::string& album, size_t movies, size_t photos) {
         out << movies;
     }
     out << "+" << photos << '\n';
-    return save_album_page(out, text_path(album, layout::count_text), libutils::staging_t::above);
+    return save_album_page(out, album, text_path(album, layout::count_text), libutils::staging_t::above);
 }
 
 // The page of level `level` (1 or more); its picture links to the next larger size.
@@ -198,11 +199,11 @@ bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsign
     out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
         << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
     write_page_end(out);
-    const bool saved = out.save(path, libutils::staging_t::none);
-    if (!saved) {
+    const std::error_code failure = out.save(album, path, libutils::staging_t::none);
+    if (failure) {
         libutils::report(path, ": write open error.");
     }
-    return saved;
+    return !failure;
 }
 
 }  // namespace

@@ -1,7 +1,5 @@
 #include "album/book_index.h"
 
-#include <cerrno>
-#include <cstring>
 #include <list>
 #include <sstream>
 
@@ -40,7 +38,7 @@ void write_heading_row(std::ostream& out) {
 std::string load_count(const std::string& directory) {
     std::string text;
     std::string line;
-    if (load_text(text, text_path(directory, layout::count_text))) {
+    if (!load_text(text, text_path(directory, layout::count_text))) {
         line = text.substr(0, text.find('\n'));
         libutils::chop2(line);
     }
@@ -51,7 +49,7 @@ std::string load_count(const std::string& directory) {
 void write_row(std::ostream& out, const std::string& book, const std::string& name) {
     const std::string directory = entry_path(book, name);
     std::string text;
-    if (!load_text(text, text_path(directory, layout::head_text))) {
+    if (load_text(text, text_path(directory, layout::head_text))) {
         return;
     }
     std::istringstream head(text);
@@ -95,8 +93,8 @@ bool makehtmlbook(const std::string& book) {
     }
     out << "</table>\n";
     write_page_foot(out, texts);
-    if (!out.save(path, libutils::staging_t::beside)) {
-        libutils::report(path, ": write open error, ", std::strerror(errno));
+    if (const std::error_code failure = out.save(book, path, libutils::staging_t::beside)) {
+        libutils::report(path, ": write open error, ", failure.message());
         return false;
     }
     return true;

@@ -1,7 +1,5 @@
 #include "album/comment_store.h"
 
-#include <sys/stat.h>
-
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -34,7 +32,7 @@ constexpr text_name_t photo_suffix{".txt", ".TXT"};
 bool load_either(std::string& text, std::string& path, const std::string& txtdir, const text_name_t& name) {
     for (const char* candidate : {name.name, name.upper_case}) {
         path = entry_path(txtdir, candidate);
-        if (load_text(text, path)) {
+        if (!load_text(text, path)) {
             return true;
         }
     }
@@ -68,38 +66,38 @@ std::string lines_of(const std::string& text) {
     return lines;
 }
 
-// False, with errno set, for a file that is there and can't be read.
-bool is_readable_or_absent(const std::string& path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) != 0 || !S_ISREG(status.st_mode)) {
-        return true;
-    }
-    std::string text;
-    errno = EIO;  // unless opening it knows better
-    return load_text(text, path);
-}
-
-// A comment file. Nobody can write the user's words again, so they wait for the disk; and those that could not be read
-// were not seen by whoever wants to replace them.
+// Nobody can write the user's words again, so they wait for the disk; and those that could not be read were not seen by
+// whoever wants to replace them. The failure is one of opening until the file is open.
 class comment_file_t {
   public:
-    explicit comment_file_t(const std::string& path) : path_(path), file_(path, libutils::staging_t::above) {}
+    comment_file_t(std::string album, const std::string& path)
+        : album_(std::move(album)), path_(path), file_(path, libutils::staging_t::above) {}
 
-    [[nodiscard]] bool open() { return is_readable_or_absent(path_) && file_.open_as_old(); }
-    [[nodiscard]] bool save(const std::string& lines) { return file_.write(lines) && file_.commit_to_disk(); }
+    [[nodiscard]] std::error_code open() {
+        std::string text;
+        const std::error_code unread = load_text(text, path_);
+        return unread && !libutils::is_absent(unread)
+                   ? unread
+                   : file_.open_as_old({libutils::links_t::others_t::refused, album_});
+    }
+    [[nodiscard]] std::error_code save(const std::string& lines) {
+        file_.write(lines);
+        return file_.commit_to_disk();
+    }
 
   private:
+    std::string album_;
     std::string path_;
     libutils::new_file_t file_;
 };
 
-bool save_text(const std::string& path, const std::string& lines) {
-    comment_file_t file(path);
-    if (!file.open()) {
-        libutils::report(path, ": file open failed, ", std::strerror(errno));
+bool save_text(const std::string& album, const std::string& path, const std::string& lines) {
+    comment_file_t file(album, path);
+    if (const std::error_code failure = file.open()) {
+        libutils::report(path, ": file open failed, ", failure.message());
         return false;
     }
-    if (!file.save(lines)) {
+    if (file.save(lines)) {
         libutils::report(path, ": file write error.");
         return false;
     }
@@ -141,8 +139,8 @@ bool savecommenttxt(const std::string& album, const std::string& title, const st
     }
     libutils::mkdir(entry_path(album, layout::text).c_str());
     const std::string title_line = title + "\r\n";
-    return save_text(text_path(album, head_name.name), title_line + title_line + lines_of(head)) &&
-           save_text(text_path(album, last_name.name), lines_of(last));
+    return save_text(album, text_path(album, head_name.name), title_line + title_line + lines_of(head)) &&
+           save_text(album, text_path(album, last_name.name), lines_of(last));
 }
 
 bool loadphotocomment(std::string& text, const std::string& album, const std::string& photo) {
@@ -154,8 +152,8 @@ bool loadphotocomment(std::string& text, const std::string& album, const std::st
         return false;
     }
     const std::string& path = has_lower ? lower : upper;
-    if (!load_text(text, path)) {
-        libutils::report(path, ": comment text load failed, ", std::strerror(errno));
+    if (const std::error_code failure = load_text(text, path)) {
+        libutils::report(path, ": comment text load failed, ", failure.message());
         return false;
     }
     return true;
@@ -176,12 +174,15 @@ bool savephotocomment(const std::string& text, const std::string& album, const s
         return false;
     }
     const std::string path = photo_comment_path(album, photo, photo_suffix.name);
-    comment_file_t file(path);
-    if (!file.open() || !file.save(lines_of(text))) {
-        libutils::report(path, ": write open error, ", std::strerror(errno));
-        return false;
+    comment_file_t file(album, path);
+    std::error_code failure = file.open();
+    if (!failure) {
+        failure = file.save(lines_of(text));
     }
-    return true;
+    if (failure) {
+        libutils::report(path, ": write open error, ", failure.message());
+    }
+    return !failure;
 }
 
 bool writephotocomment(std::ostream& out, std::list<std::string>& lines, unsigned long indent) {

@@ -59,9 +59,9 @@ bool keep_same_copy(const import_file_t& file, const std::string& album, const s
 // name of the old file keeps the old contents.
 bool replace_with_copy(const import_file_t& file, const std::string& album, const std::string& name) {
     libutils::new_file_t copy(file.destination, libutils::staging_t::above);
-    return copy.open() && libutils::filecopy(file.source.c_str(), copy.current_path().c_str()) &&
+    return !copy.open() && libutils::filecopy(file.source.c_str(), copy.current_path().c_str()) &&
            libutils::same_contents(file.source.c_str(), copy.current_path().c_str()) && make_way(album, name) &&
-           copy.commit();
+           !copy.commit();
 }
 
 bool copy_file(const std::string& srcdir, const std::string& name, const std::string& album) {

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <cstring>
 #include <string_view>
 
 #include "album/album_layout.h"
@@ -77,7 +76,7 @@ bool manifest_t::load(const std::string& album) {
         return true;
     }
     std::string text;
-    if (stat(path.c_str(), &status) != 0 || status.st_size > longest_manifest || !load_text(text, path)) {
+    if (stat(path.c_str(), &status) != 0 || status.st_size > longest_manifest || load_text(text, path)) {
         libutils::report(path, ": can't be read.");
         return false;
     }
@@ -126,8 +125,10 @@ bool manifest_t::save(const std::string& album) {
         text += (written == path ? "" : "\\") + sum + "  " + written + '\n';
     }
     libutils::new_file_t file(manifest_path(album), libutils::staging_t::beside);
-    if (!file.open_as_old() || !file.write(text) || !file.commit_to_disk()) {
-        libutils::report(manifest_path(album), ": can't be written, ", std::strerror(errno));
+    file.open_as_old({libutils::links_t::others_t::refused, album});
+    file.write(text);
+    if (const std::error_code failure = file.commit_to_disk()) {
+        libutils::report(manifest_path(album), ": can't be written, ", failure.message());
         return false;
     }
     is_kept_ = true;

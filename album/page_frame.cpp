@@ -31,8 +31,8 @@ void write_time_stamp(std::ostream& out) {
 
 }  // namespace
 
-bool page_t::save(const std::string& path, libutils::staging_t staging) const {
-    return libutils::replace_file(path, staging, str());
+std::error_code page_t::save(const std::string& root, const std::string& path, libutils::staging_t staging) const {
+    return libutils::replace_file(path, staging, str(), {libutils::links_t::others_t::replaced, root});
 }
 
 void write_page_start(std::ostream& out) {

@@ -23,8 +23,10 @@ class page_t : public std::ostringstream {
   public:
     page_t() { imbue(std::locale::classic()); }
 
-    // Puts the page in place of the file `path`. False when that can't be done; errno tells why and the old page stays.
-    [[nodiscard]] bool save(const std::string& path, libutils::staging_t staging) const;
+    // Puts the page in place of the file `path` of the album or book `root`; a link that leads out of it is replaced.
+    // On failure the old page stays.
+    [[nodiscard]] std::error_code save(const std::string& root, const std::string& path,
+                                       libutils::staging_t staging) const;
 };
 
 // From "<HTML>" to "<BODY>"; a page without a title has no title element.

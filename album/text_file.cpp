@@ -1,21 +1,13 @@
 #include "album/text_file.h"
 
-#include "libutils/ofsvector.h"
+#include "libutils/read_file.h"
 #include "libutils/text.h"
 
 namespace taloram {
 
-bool load_text(std::string& text, const std::string& path) {
-    libutils::bytes_t bytes;
-    if (!bytes.load(0, path.c_str(), libutils::PROT_READ_ONLY, 0, false, nullptr)) {
-        return false;
-    }
-    std::string whole(bytes.begin(), bytes.end());
-    if (!bytes.is_intact()) {
-        return false;
-    }
-    text = std::move(whole);
-    return true;
+std::error_code load_text(std::string& text, const std::string& path) {
+    constexpr uint64_t longest = uint64_t{256} << 20;  // bytes; the sums of some million files
+    return libutils::read_file(text, path, longest);
 }
 
 std::list<std::string> split_lines(const std::string& text) {

@@ -7,26 +7,18 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstdlib>
 #include <list>
-#include <memory>
 
 #include "libutils/directory.h"
-#include "libutils/text.h"
+#include "libutils/followed_link.h"
+#include "libutils/system_path.h"
 #include "libutils/write_all.h"
 
 namespace libutils {
 
 namespace {
 
-constexpr const char* temporary_prefix = ".taloram-new-";
 constexpr mode_t usual_permissions = 0666;  // the process's mask takes its part
-
-// The kernel's idea of a directory part: "\" belongs to a name here.
-std::string directory_of(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
 
 // A name that no other file of this process had.
 std::string next_temporary(const std::string& directory) {
@@ -34,27 +26,54 @@ std::string next_temporary(const std::string& directory) {
     return directory + "/" + temporary_prefix + std::to_string(getpid()) + "-" + std::to_string(++count);
 }
 
-// What a symbolic link leads to; anything else is itself.
-std::string followed(const std::string& path) {
-    const std::unique_ptr<char, void (*)(void*)> real(realpath(path.c_str(), nullptr), std::free);
-    return real == nullptr ? path : real.get();
+std::error_code result_of(int returned) {
+    return returned == 0 ? std::error_code() : last_error();
 }
 
-bool flush_directory(const std::string& directory) {
+// A file can be renamed from one directory to the other.
+bool is_same_mount(const std::string& a, const std::string& b) {
+    struct statx status_a {};
+    struct statx status_b {};
+    constexpr unsigned wanted = STATX_INO | STATX_MNT_ID;
+    return statx(AT_FDCWD, a.c_str(), 0, wanted, &status_a) == 0 &&
+           statx(AT_FDCWD, b.c_str(), 0, wanted, &status_b) == 0 && status_a.stx_dev_major == status_b.stx_dev_major &&
+           status_a.stx_dev_minor == status_b.stx_dev_minor && status_a.stx_mnt_id == status_b.stx_mnt_id;
+}
+
+// Above a directory there may be none for this user's files although they may be in it.
+bool is_closed(const std::error_code& failure) {
+    return failure == std::errc::cross_device_link || failure == std::errc::permission_denied ||
+           failure == std::errc::operation_not_permitted || failure == std::errc::read_only_file_system;
+}
+
+// How file systems and kernels without files that have no name say so; anything else is wrong with a named one too.
+bool is_unsupported(const std::error_code& failure) {
+    return failure == std::errc::operation_not_supported || failure == std::errc::is_a_directory ||
+           failure == std::errc::invalid_argument || failure == std::errc::function_not_supported;
+}
+
+std::error_code check_kind(mode_t mode) {
+    if (S_ISDIR(mode)) {
+        return make_error_code(std::errc::is_a_directory);
+    }
+    return S_ISREG(mode) ? std::error_code() : make_error_code(refusal_t::not_a_file);
+}
+
+std::error_code flush_directory(const std::string& directory) {
     const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (descriptor < 0) {
-        return false;
+        return last_error();
     }
-    // Some file systems have nothing to flush there.
-    const bool flushed = fsync(descriptor) == 0 || errno == EINVAL;
+    std::error_code failure = result_of(fsync(descriptor));
     close(descriptor);
-    return flushed;
+    // Some file systems have nothing to flush there.
+    return failure == std::errc::invalid_argument ? std::error_code() : failure;
 }
 
-void close_keeping_errno(int descriptor) {
-    const int error = errno;
-    close(descriptor);
-    errno = error;
+// Network file systems and quotas refuse bytes as late as when a descriptor is closed; the own one is still needed.
+std::error_code flush_by_closing(int descriptor) {
+    const int another = fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    return another < 0 ? last_error() : result_of(close(another));
 }
 
 }  // namespace
@@ -65,139 +84,201 @@ new_file_t::new_file_t(std::string path, staging_t staging) : path_(std::move(pa
 new_file_t::~new_file_t() {
     forget_temporary();
     if (descriptor_ >= 0) {
-        close_keeping_errno(descriptor_);
+        close(descriptor_);
     }
+}
+
+std::string new_file_t::directory_of_path() const {
+    const std::string directory = directory_part(path_);
+    return directory.empty() ? "." : directory;
 }
 
 void new_file_t::forget_temporary() {
     if (!temporary_.empty()) {
-        const int error = errno;
         unlink(temporary_.c_str());
         temporary_.clear();
-        errno = error;
     }
 }
 
-bool new_file_t::open() {
-    if (!open_unnamed() && !open_named()) {
-        return false;
+std::error_code new_file_t::open() {
+    if (failure_) {
+        return failure_;
     }
-    // Held as long as the file is open: remove_leftovers() knows by it what is still being written.
-    static_cast<void>(flock(descriptor_, LOCK_SH | LOCK_NB));
-    return true;
-}
-
-bool new_file_t::open_as_old() {
-    path_ = followed(path_);
     struct stat old {};
-    if (stat(path_.c_str(), &old) != 0) {
+    const bool is_replaced = lstat(path_.c_str(), &old) == 0 && !S_ISLNK(old.st_mode);
+    failure_ = is_replaced ? check_kind(old.st_mode) : std::error_code();
+    return failure_ ? failure_ : failure_ = open_any();
+}
+
+std::error_code new_file_t::open_as_old(const links_t& links) {
+    if (failure_) {
+        return failure_;
+    }
+    failure_ = follow_link(path_, links);
+    struct stat old {};
+    if (failure_ || lstat(path_.c_str(), &old) != 0 || S_ISLNK(old.st_mode)) {
         return open();
     }
-    if (S_ISDIR(old.st_mode)) {
-        errno = EISDIR;
-        return false;
+    return failure_ = make_as(old);
+}
+
+std::error_code new_file_t::make_as(const struct stat& old) {
+    if (const std::error_code refused = check_kind(old.st_mode)) {
+        return refused;
     }
     // What was made read-only is meant to stay as it is.
-    if (access(path_.c_str(), W_OK) != 0 || !open()) {
-        return false;
+    if (access(path_.c_str(), W_OK) != 0) {
+        return last_error();
+    }
+    if (const std::error_code failure = open_any()) {
+        return failure;
     }
     // Only the superuser gives files away.
     [[maybe_unused]] const int kept = fchown(descriptor_, old.st_uid, old.st_gid);
-    return fchmod(descriptor_, old.st_mode & ALLPERMS) == 0;
+    return result_of(fchmod(descriptor_, old.st_mode & ALLPERMS));
 }
 
-// ".." is above where the directory really lies, also behind a symbolic link, and so on the same file system.
-std::string new_file_t::staging_directory() const {
-    return directory_of(path_) + (staging_ == staging_t::beside ? "" : "/..");
+std::error_code new_file_t::open_any() {
+    const std::error_code unnamed = open_unnamed();
+    if (!unnamed) {
+        return {};
+    }
+    const std::error_code named = open_named();
+    return named && !is_unsupported(unnamed) ? unnamed : named;
 }
 
-bool new_file_t::open_unnamed() {
-    const int descriptor = ::open(directory_of(path_).c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, usual_permissions);
+std::error_code new_file_t::open_unnamed() {
+    const int descriptor = ::open(directory_of_path().c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, usual_permissions);
     if (descriptor < 0) {
-        return false;
+        return last_error();
     }
     const std::string current = "/proc/self/fd/" + std::to_string(descriptor);
     if (access(current.c_str(), F_OK) != 0) {
         close(descriptor);
-        return false;
+        return make_error_code(std::errc::function_not_supported);
     }
-    descriptor_ = descriptor;
+    hold(descriptor);
     current_path_ = current;
     unnamed_ = true;
-    return true;
+    return {};
 }
 
-bool new_file_t::open_named() {
-    const std::string directory = staging_directory();
-    do {
-        temporary_ = next_temporary(directory);
-        descriptor_ = ::open(temporary_.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, usual_permissions);
-    } while (descriptor_ < 0 && errno == EEXIST);
-    if (descriptor_ < 0) {
-        temporary_.clear();
-        return false;
+// Held as long as the file is open: remove_leftovers() knows by it what is still being written.
+void new_file_t::hold(int descriptor) {
+    descriptor_ = descriptor;
+    static_cast<void>(flock(descriptor_, LOCK_SH | LOCK_NB));
+}
+
+// Calls `make(path)` with new names until one succeeds. ".." is above where the directory really lies, also behind
+// a symbolic link.
+template <typename Make>
+std::error_code new_file_t::make_temporary(Make make) {
+    const std::string beside = directory_of_path();
+    const std::string above = beside + "/..";
+    std::error_code first;
+    for (const std::string& directory : {staging_ == staging_t::beside ? beside : above, beside}) {
+        if (directory == above && !is_same_mount(above, beside)) {
+            continue;
+        }
+        std::error_code failure;
+        do {
+            temporary_ = next_temporary(directory);
+            failure = make(temporary_);
+        } while (failure == std::errc::file_exists);
+        if (!failure) {
+            return {};
+        }
+        first = first ? first : failure;
+        if (!is_closed(failure)) {
+            break;
+        }
     }
+    temporary_.clear();
+    return first;
+}
+
+std::error_code new_file_t::open_named() {
+    const std::error_code failure = make_temporary([this](const std::string& name) {
+        const int descriptor = ::open(name.c_str(), O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, usual_permissions);
+        if (descriptor < 0) {
+            return last_error();
+        }
+        hold(descriptor);
+        return std::error_code();
+    });
     current_path_ = temporary_;
-    return true;
+    return failure;
 }
 
-bool new_file_t::write(std::string_view bytes) {
-    return write_all(descriptor_, bytes);
+std::error_code new_file_t::write(std::string_view bytes) {
+    return failure_ ? failure_ : failure_ = write_all(descriptor_, bytes);
 }
 
-bool new_file_t::link_to(const std::string& name) const {
-    return linkat(AT_FDCWD, current_path_.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW) == 0;
+std::error_code new_file_t::link_to(const std::string& name) const {
+    return result_of(linkat(AT_FDCWD, current_path_.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW));
 }
 
 // link(2) never replaces a file, so it takes a name in between.
-bool new_file_t::replace_by_unnamed() {
+std::error_code new_file_t::replace_by_unnamed() {
     if (staging_ == staging_t::none) {
-        return unlink(path_.c_str()) == 0 && link_to(path_);
+        const std::error_code failure = result_of(unlink(path_.c_str()));
+        return failure ? failure : link_to(path_);
     }
-    const std::string directory = staging_directory();
-    do {
-        temporary_ = next_temporary(directory);
-    } while (!link_to(temporary_) && errno == EEXIST);
-    return std::rename(temporary_.c_str(), path_.c_str()) == 0;
+    const std::error_code failure = make_temporary([this](const std::string& name) { return link_to(name); });
+    return failure ? failure : result_of(std::rename(temporary_.c_str(), path_.c_str()));
 }
 
-bool new_file_t::commit() {
-    bool placed = false;
-    if (unnamed_) {
-        placed = link_to(path_) || (errno == EEXIST && replace_by_unnamed());
-    } else {
-        placed = std::rename(temporary_.c_str(), path_.c_str()) == 0;
+std::error_code new_file_t::place() {
+    if (const std::error_code failure = flush_by_closing(descriptor_)) {
+        return failure;
     }
-    if (placed) {
+    if (!unnamed_) {
+        return result_of(std::rename(temporary_.c_str(), path_.c_str()));
+    }
+    const std::error_code failure = link_to(path_);
+    return failure == std::errc::file_exists ? replace_by_unnamed() : failure;
+}
+
+std::error_code new_file_t::commit() {
+    if (failure_) {
+        return failure_;
+    }
+    failure_ = place();
+    if (!failure_) {
         temporary_.clear();
     }
     forget_temporary();
-    return placed;
+    return failure_;
 }
 
-bool new_file_t::commit_to_disk() {
-    return fsync(descriptor_) == 0 && commit() && flush_directory(directory_of(path_));
+std::error_code new_file_t::commit_to_disk() {
+    if (!failure_) {
+        failure_ = result_of(fsync(descriptor_));
+    }
+    const std::error_code failure = commit();
+    return failure ? failure : failure_ = flush_directory(directory_of_path());
 }
 
-bool write_file(const std::string& path, staging_t staging, std::string_view bytes) {
+std::error_code write_file(const std::string& path, staging_t staging, std::string_view bytes) {
     new_file_t file(path, staging);
-    return file.open() && file.write(bytes) && file.commit();
+    file.open();
+    file.write(bytes);
+    return file.commit();
 }
 
-bool replace_file(const std::string& path, staging_t staging, std::string_view bytes) {
+std::error_code replace_file(const std::string& path, staging_t staging, std::string_view bytes, const links_t& links) {
     new_file_t file(path, staging);
-    return file.open_as_old() && file.write(bytes) && file.commit();
+    file.open_as_old(links);
+    file.write(bytes);
+    return file.commit();
 }
 
 void remove_leftovers(const std::string& directory) {
     std::list<std::string> names;
-    if (!getfiles(names, directory.c_str())) {
+    if (list_temporaries(names, directory)) {
         return;
     }
     for (const std::string& name : names) {
-        if (stringcmp(name.c_str(), temporary_prefix) != 0) {
-            continue;
-        }
         const std::string path = directory + "/" + name;
         const int descriptor = open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
         if (descriptor >= 0) {

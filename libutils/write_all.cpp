@@ -23,7 +23,7 @@ void ask_for_room(int descriptor, size_t size) {
 
 }  // namespace
 
-bool write_all(int descriptor, std::string_view bytes) {
+std::error_code write_all(int descriptor, std::string_view bytes) {
     ask_for_room(descriptor, bytes.size());
     while (!bytes.empty()) {
         const ssize_t written = write(descriptor, bytes.data(), std::min<size_t>(bytes.size(), INT_MAX));
@@ -31,11 +31,11 @@ bool write_all(int descriptor, std::string_view bytes) {
             continue;
         }
         if (written <= 0) {
-            return false;
+            return written < 0 ? last_error() : make_error_code(std::errc::io_error);
         }
         bytes.remove_prefix(static_cast<size_t>(written));
     }
-    return true;
+    return {};
 }
 
 }  // namespace libutils

@@ -81,7 +81,9 @@ void saveini(const char* dir, const char* name) {
     writeiniline(out, "html_header", g_global.html_header);
     writeiniline(out, "html_address", g_global.html_address);
     libutils::new_file_t file(inifile(dir, name), libutils::staging_t::beside);
-    static_cast<void>(file.open_as_old() && file.write(out.str()) && file.commit_to_disk());
+    file.open_as_old();
+    file.write(out.str());
+    static_cast<void>(file.commit_to_disk());
 }
 
 }  // namespace taloram

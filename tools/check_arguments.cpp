@@ -9,7 +9,7 @@
 
 #include "libutils/directory.h"
 #include "libutils/path.h"
-#include "tools/path_parts.h"
+#include "libutils/system_path.h"
 #include "tools/wrong_use.h"
 
 namespace talomake {
@@ -48,7 +48,7 @@ bool check_place(const std::string& album) {
     if (libutils::is_exist(album)) {
         return wrong_use(album, ": not a directory.");
     }
-    const std::string parent = parent_directory(album);
+    const std::string parent = libutils::parent_directory(album);
     return libutils::is_directory(parent.empty() ? "." : parent) || wrong_use(parent, ": no such directory.");
 }
 

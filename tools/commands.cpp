@@ -20,6 +20,7 @@
 #include "album/write_lock.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "shooting_data/exif_summary.h"
@@ -27,7 +28,6 @@
 #include "talolib/option.h"
 #include "talolib/program_path.h"
 #include "tools/check_arguments.h"
-#include "tools/path_parts.h"
 #include "tools/progress_line.h"
 #include "tools/wrong_use.h"
 
@@ -93,7 +93,7 @@ bool save_comments(const album_command_t& command, const album_job_t& job) {
     loadcommenttxt(job.album, title, head, last);
     title = command.title.value_or(title);
     if (title.empty()) {
-        title = directory_name(job.album);
+        title = libutils::directory_name(job.album);
     }
     return step_done(savecommenttxt(job.album, title, job.head.value_or(head), job.last.value_or(last)),
                      "savecommenttxt");
@@ -138,7 +138,7 @@ bool make_album(const album_command_t& command, const album_job_t& job, std::vec
 
 // The index page of the book that the album is in, if it is in one.
 bool rewrite_book(const std::string& album) {
-    const std::string parent = parent_directory(album);
+    const std::string parent = libutils::parent_directory(album);
     const bool is_book = libutils::is_directory(entry_path(parent, layout::text)) && !is_album(parent);
     return !is_book || step_done(makehtmlbook(parent), "makehtmlbook");
 }
@@ -250,7 +250,8 @@ class runner_t {
         for (const std::string& photo : command.photos) {
             // A stream of its own: the number format that one summary leaves behind must not reach the next.
             std::ostringstream summary;
-            const bool good = writeexif(summary, "", directory_of_file(photo), last_component(photo), command.html);
+            const bool good = writeexif(summary, "", libutils::directory_of_file(photo),
+                                        libutils::last_component(photo), command.html);
             std::cout << photo << '\n' << summary.str() << std::endl;
             if (!good) {
                 libutils::report(photo, ": no EXIF summary.");

@@ -1,6 +1,8 @@
 #include "libgr/jpeg/jpegdata.h"
 
 #include <sys/stat.h>
+
+#include <cerrno>
 #include <fstream>
 #include <string_view>
 
@@ -24,7 +26,13 @@ bool jpegdata_t::load(const char* path, android_app* app) {
 bool jpegdata_t::save(const char* path, android_app* /*app*/) {
     libutils::new_file_t file(path, libutils::staging_t::above);
     const std::string_view bytes(reinterpret_cast<const char*>(begin()), size());
-    if (!file.open() || !file.write(bytes) || !is_intact() || !file.commit()) {
+    file.open();
+    std::error_code failure = file.write(bytes);
+    if (!failure) {
+        failure = is_intact() ? file.commit() : make_error_code(std::errc::io_error);
+    }
+    if (failure) {
+        errno = failure.category() == std::generic_category() ? failure.value() : EINVAL;
         return false;
     }
     name = path;

@@ -72,3 +72,9 @@ ends_with() {
     "$@" >"$place/output" 2>"$place/errors" || status=$?
     [ $status -eq "$wanted" ] || fail "status $status instead of $wanted: $*"
 }
+
+# Runs a command with system calls that fail; tests/support/failing_calls.cpp tells which.
+#   failing <calls> <command>...
+failing() {
+    FAILING_CALLS=$1 LD_PRELOAD=$bin/failing_calls.so ASAN_OPTIONS=$ASAN_OPTIONS:verify_asan_link_order=0 "${@:2}"
+}

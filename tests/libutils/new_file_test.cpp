@@ -62,11 +62,11 @@ TEST(NewFile, IsCompleteOrNotThere) {
             }
             {
                 new_file_t file(path, staging_t::above);
-                ASSERT_TRUE(file.open() && file.write("half") && is_as_before());
+                ASSERT_TRUE(!file.open() && !file.write("half") && is_as_before());
                 EXPECT_EQ(text_of(file.current_path()), "half");
             }
             EXPECT_TRUE(is_as_before()) << "given up";
-            EXPECT_TRUE(write_file(path, staging_t::above, "whole"));
+            EXPECT_FALSE(write_file(path, staging_t::above, "whole"));
             EXPECT_EQ(text_of(path), "whole");
             EXPECT_EQ(old.empty() ? "" : text_of(dir / "other name"), old);
             fs::remove(path);
@@ -74,8 +74,8 @@ TEST(NewFile, IsCompleteOrNotThere) {
         EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "something was left";
 
         fs::create_directories(path + "/full");
-        EXPECT_FALSE(write_file(path, staging_t::above, "x") || replace_file(path, staging_t::above, "x"));
-        EXPECT_FALSE(write_file(dir / "missing/p", staging_t::beside, "x"));
+        EXPECT_TRUE(write_file(path, staging_t::above, "x") && replace_file(path, staging_t::above, "x"));
+        EXPECT_TRUE(is_absent(write_file(dir / "missing/p", staging_t::beside, "x")));
         EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "a failure left something";
     });
 }
@@ -87,7 +87,7 @@ TEST(NewFile, KeepsWhatTheUserArranged) {
         fs::permissions(dir / "real", fs::perms{0640});
         fs::create_symlink("real", dir / "link");
         new_file_t file(dir / "link", staging_t::beside);
-        ASSERT_TRUE(file.open_as_old() && file.write("new") && file.commit_to_disk());
+        ASSERT_TRUE(!file.open_as_old() && !file.write("new") && !file.commit_to_disk());
         EXPECT_TRUE(fs::is_symlink(dir / "link"));
         EXPECT_EQ(text_of(dir / "real"), "new");
         EXPECT_EQ(fs::status(dir / "real").permissions(), fs::perms{0640});
@@ -101,7 +101,7 @@ TEST(NewFile, LeftoversGoWhenTheirProgramIsGone) {
     }
     {
         new_file_t running(dir / "page", staging_t::beside);
-        ASSERT_TRUE(running.open());
+        ASSERT_FALSE(running.open());
         ASSERT_EQ(linkat(AT_FDCWD, running.current_path().c_str(), AT_FDCWD, (dir / ".taloram-new-2-1").c_str(),
                          AT_SYMLINK_FOLLOW),
                   0);

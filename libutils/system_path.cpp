@@ -1,11 +1,11 @@
-#include "tools/path_parts.h"
+#include "libutils/system_path.h"
 
 #include <filesystem>
 #include <system_error>
 
 #include "libutils/path.h"
 
-namespace talomake {
+namespace libutils {
 
 namespace {
 
@@ -20,6 +20,10 @@ std::string last_component(const std::string& path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+std::string directory_part(const std::string& path) {
+    return path.substr(0, path.rfind('/') + 1);
+}
+
 std::string directory_of_file(const std::string& path) {
     const size_t slash = path.rfind('/');
     return slash == std::string::npos ? "." : path.substr(0, slash);
@@ -29,7 +33,7 @@ std::string parent_directory(const std::string& path) {
     if (ends_with_dots(path)) {
         return path + "/..";
     }
-    return libutils::strip_trailing_slash(path.substr(0, path.rfind('/') + 1));
+    return strip_trailing_slash(directory_part(path));
 }
 
 std::string directory_name(const std::string& path) {
@@ -43,4 +47,4 @@ std::string directory_name(const std::string& path) {
     return last_component(path);
 }
 
-}  // namespace talomake
+}  // namespace libutils

@@ -2,12 +2,15 @@
 
 #include <string>
 
-// Only "/" separates here, as it does for the kernel: a path from the command line must open the file it names, even
-// when that name holds a "\".
-namespace talomake {
+// Paths as the kernel takes them apart: only "/" separates, and "\" belongs to a name. For every path that is opened
+// here; the functions of libutils/path.h know the separators of other systems too.
+namespace libutils {
 
-// The last component.
+// The last component: "" behind a trailing "/".
 [[nodiscard]] std::string last_component(const std::string& path);
+
+// Everything up to and including the last "/", "" without one: what a name can be appended to.
+[[nodiscard]] std::string directory_part(const std::string& path);
 
 // Everything before the last component without the "/" between them: "" for a file of the root directory, "." when the
 // path is a bare name.
@@ -19,4 +22,4 @@ namespace talomake {
 // The name that the directory `path` has in its parent, also where the path ends with "." or "..".
 [[nodiscard]] std::string directory_name(const std::string& path);
 
-}  // namespace talomake
+}  // namespace libutils
