@@ -39,7 +39,7 @@ TEST_F(comment_store_test, upper_case_names_are_read_until_the_first_save) {
     const std::string head_path = album + "/txt/head.txt";
     fs::remove(head_path);
     fs::create_symlink("/dev/full", head_path);
-    EXPECT_EQ("false\n" + head_path + ": file write error.\n",
+    EXPECT_EQ("false\n" + head_path + ": file open failed, not a regular file\n",
               outcome([&] { return savecommenttxt(album, "Trip", "", ""); }));
 }
 
