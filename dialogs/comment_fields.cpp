@@ -1,5 +1,6 @@
 #include "dialogs/comment_fields.h"
 
+#include "dialogs/single_line.h"
 #include "toolkit/text_encoding.h"
 
 namespace taloram {
@@ -19,6 +20,7 @@ Gtk::Label& caption(e_message_local_t text, Gtk::Widget& target, std::string& ta
 
 comment_fields_t::comment_fields_t() {
     title.set_activates_default(true);
+    keep_on_one_line(title);
     title.get_accessible()->set_name(message_text(msg_title));
     head.get_accessible()->set_name(message_text(msg_head_comment));
     last.get_accessible()->set_name(message_text(msg_last_comment));

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "dialogs/single_line.h"
 #include "toolkit/text_encoding.h"
 
 namespace taloram {
@@ -17,7 +18,10 @@ class kept_text_t {
         return shown_;
     }
 
-    [[nodiscard]] bool is_left_alone(const Glib::ustring& now) const { return now.raw() == shown_.raw(); }
+    // An entry shows a path's line ends as blanks.
+    [[nodiscard]] bool is_left_alone(const Glib::ustring& now) const {
+        return now.raw() == shown_.raw() || now.raw() == on_one_line(shown_).raw();
+    }
 
     // The bytes behind what the widget shows `now`.
     [[nodiscard]] std::string bytes(const Glib::ustring& now) const {

@@ -11,6 +11,7 @@
 #include "album/comment_store.h"
 #include "dialogs/progress_window.h"
 #include "dialogs/raise_window.h"
+#include "dialogs/single_line.h"
 #include "dialogs/table_scroller.h"
 #include "dialogs/thumbnails.h"
 #include "libutils/directory.h"
@@ -51,6 +52,7 @@ void set_up_entry(Gtk::Label& label, Gtk::Entry& entry, e_message_local_t text, 
     label.set_xalign(0);
     entry.set_width_chars(entry_width);
     entry.get_accessible()->set_name(message_text(text));
+    keep_on_one_line(entry);
 }
 
 void set_up_button(Gtk::Button& button, e_message_local_t text, std::string& taken) {

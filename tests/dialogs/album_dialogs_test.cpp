@@ -79,8 +79,8 @@ TEST(MakeAlbumDialog, lists_turns_and_selects) {
     EXPECT_TRUE(dialog.selected_files().empty()) << "names of one directory never stand for files of another";
     EXPECT_TRUE(dialog.leave_from(nullptr));
     EXPECT_TRUE(find_all<Gtk::ToggleButton>(dialog).empty());
-    entries[1]->set_text("x");
-    EXPECT_EQ(book + "/x", dialog.get_to());
+    entries[1]->set_text("x\r\ny\n");
+    EXPECT_EQ(book + "/x y ", dialog.get_to()) << "pasted line ends";
     entries[1]->set_text("");
     EXPECT_EQ("", dialog.get_to());
 }
