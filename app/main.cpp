@@ -10,6 +10,7 @@
 #include "app/menu_window.h"
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
+#include "libutils/program.h"
 #include "talolib/program_path.h"
 #include "toolkit/display.h"
 
@@ -20,6 +21,7 @@ constexpr const char* input_method_cache = "/usr/local/lib/gtk-3.0/3.0.0/immodul
 }  // namespace
 
 int main(int argc, char** argv) {
+    libutils::hold_standard_descriptors();
     // A file that grew too large is a failed write, not the end in the middle of an import.
     std::signal(SIGXFSZ, SIG_IGN);
     // The command line is looked at without a display, so that help is to be had everywhere.

@@ -30,6 +30,7 @@ namespace {
 constexpr int text_height = 80;     // pixels
 constexpr int default_width = 800;  // pixels
 constexpr unsigned border = 8;      // pixels
+constexpr int spacing = 6;          // pixels
 
 // Columns of the list; the second stays empty.
 enum column_t : guint {
@@ -42,16 +43,11 @@ enum column_t : guint {
     column_count
 };
 
-void attach(Gtk::Table& table, Gtk::Widget& widget, guint column, size_t row) {
-    const auto top = static_cast<guint>(row);
-    widget.set_margin_end(6);  // the table has more columns than widgets, so it has no spacing of its own
-    table.attach(widget, column, column + 1, top, top + 1, Gtk::FILL | Gtk::EXPAND, Gtk::FILL | Gtk::EXPAND, 0, 0);
-}
-
 // Every row has the same buttons; what reads the window aloud needs to tell them apart.
-void label_row_button(Gtk::Button& button, e_message_local_t text, const std::string& name) {
-    button.set_label(message_text(text));
-    button.get_accessible()->set_name(message_text(text) + " " + to_toolkit(name));
+Gtk::Button& row_button(e_message_local_t text, const std::string& name) {
+    auto* button = Gtk::manage(new Gtk::Button(message_text(text)));
+    button->get_accessible()->set_name(message_text(text) + " " + to_toolkit(name));
+    return *button;
 }
 
 }  // namespace
@@ -70,7 +66,8 @@ MenuWindow::MenuWindow(int argc, char** argv)
     set_title(to_toolkit(talolib::make_title(getmsg(msg_program), getmsg(msg_program_purpose))));
     set_default_size(default_width, -1);
     show_all_children();
-    (items_.empty() ? edit_button_ : items_.front().open_button).grab_focus();
+    edit_button_.grab_focus();
+    rows_.grab_focus(open_column);
 }
 
 void MenuWindow::load_settings() {
@@ -100,25 +97,29 @@ void MenuWindow::apply_command_line() {
 }
 
 void MenuWindow::pack_widgets() {
-    for (Gtk::TextView* view : {&head_view_, &last_view_}) {
-        view->set_editable(false);
-        view->set_cursor_visible(false);
-    }
     head_view_.get_accessible()->set_name(message_text(msg_head_comment));
     last_view_.get_accessible()->set_name(message_text(msg_last_comment));
-    box_.pack_start(title_label_, Gtk::PACK_EXPAND_WIDGET, 0);
-    box_.pack_start(framed_text(head_view_, text_height), Gtk::PACK_EXPAND_WIDGET, 0);
+    // What a larger window has more is the list's.
+    box_.pack_start(title_label_, Gtk::PACK_SHRINK);
+    box_.pack_start(plain_text(head_view_, text_height), Gtk::PACK_SHRINK);
+    box_.pack_start(rows_.headings(), Gtk::PACK_SHRINK);
     box_.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET, 0);
+    for (const auto& [column, text] : {std::pair(name_column, msg_directory_column),
+                                       {count_column, msg_count_column},
+                                       {title_column, msg_title},
+                                       {head_column, msg_text_column}}) {
+        rows_.add_heading(column, text);
+    }
     table_.set_row_spacings(2);
     scroller_.add(table_);
     refresh();
-    box_.pack_start(framed_text(last_view_, text_height), Gtk::PACK_EXPAND_WIDGET, 0);
+    box_.pack_start(plain_text(last_view_, text_height), Gtk::PACK_SHRINK);
     table_.signal_size_allocate().connect(sigc::mem_fun(*this, &MenuWindow::table_size_allocate));
     for (Gtk::Button* button : {&close_button_, &edit_button_, &option_button_, &browser_button_}) {
         button_row_.pack_end(*button, Gtk::PACK_SHRINK);
     }
-    button_row_.set_valign(Gtk::ALIGN_END);
-    box_.pack_start(button_row_, Gtk::PACK_EXPAND_WIDGET);
+    button_row_.set_margin_top(spacing);
+    box_.pack_start(button_row_, Gtk::PACK_SHRINK);
     box_.set_border_width(border);
     add(box_);
 }
@@ -146,27 +147,16 @@ void MenuWindow::set_up_buttons() {
 }
 
 bool MenuWindow::make_items() {
-    items_.clear();
-    table_.resize(1, 1);
     if (advice_.get_parent() != nullptr) {
         table_.remove(advice_);
     }
     show_comments();
-    std::vector<book_entry_t> entries;
-    if (!list_entries(entries, g_global.album)) {
-        show_advice(msg_no_directory);
-        return false;
+    const bool is_listed = list_entries(items_, g_global.album);
+    show_items();
+    if (items_.empty()) {
+        show_advice(is_listed ? msg_no_albums : msg_no_directory);
     }
-    if (entries.empty()) {
-        show_advice(msg_no_albums);
-    }
-    items_.reserve(entries.size());
-    table_.resize(column_count, static_cast<guint>(entries.size()) + 1);
-    for (const book_entry_t& entry : entries) {
-        fill_item(items_.emplace_back(), entry);
-        attach_item(items_.size() - 1);
-    }
-    return true;
+    return is_listed;
 }
 
 void MenuWindow::show_comments() {
@@ -180,31 +170,26 @@ void MenuWindow::show_comments() {
     last_view_.get_buffer()->set_text(to_toolkit(last));
 }
 
-void MenuWindow::fill_item(item_t& item, const book_entry_t& entry) {
-    item.is_album = entry.is_album;
-    item.path = entry.path;
-    label_row_button(item.open_button, entry.is_album ? msg_list : msg_open_book, entry.name);
-    label_row_button(item.viewer_button, msg_viewer, entry.name);
-    set_short_text(item.name_label, to_toolkit(entry.name), 24);
-    set_short_text(item.count_label, to_toolkit(entry.count), 16);
-    set_short_text(item.title_label, to_toolkit(entry.title), 28);
-    set_short_text(item.head_label, to_toolkit(entry.head_line), 32);
+void MenuWindow::show_items() {
+    widths_ = widths_of(items_);
+    table_.resize(static_cast<guint>(items_.size()) + 1, column_count);
+    rows_.set_rows(items_.size());
 }
 
-void MenuWindow::attach_item(size_t index) {
-    item_t& item = items_[index];
-    attach(table_, item.name_label, name_column, index);
-    attach(table_, item.open_button, open_column, index);
-    attach(table_, item.count_label, count_column, index);
-    attach(table_, item.title_label, title_column, index);
-    attach(table_, item.head_label, head_column, index);
-    item.open_button.signal_clicked().connect(
-        sigc::bind(sigc::mem_fun(*this, &MenuWindow::on_btn_clicked_itembutton), index));
-    if (item.is_album) {
-        attach(table_, item.viewer_button, viewer_column, index);
-        item.viewer_button.signal_clicked().connect(
-            sigc::bind(sigc::mem_fun(*this, &MenuWindow::on_btn_clicked_talovue3), index));
+void MenuWindow::make_row(size_t index) {
+    const book_entry_t& entry = items_[index];
+    rows_.attach(text_cell(to_toolkit(entry.name), widths_.name), name_column, index);
+    Gtk::Button& open = row_button(entry.is_album ? msg_list : msg_open_book, entry.name);
+    open.signal_clicked().connect([this, index] { on_btn_clicked_itembutton(index); });
+    rows_.attach(open, open_column, index);
+    if (entry.is_album) {
+        Gtk::Button& viewer = row_button(msg_viewer, entry.name);
+        viewer.signal_clicked().connect([this, index] { on_btn_clicked_talovue3(index); });
+        rows_.attach(viewer, viewer_column, index);
     }
+    rows_.attach(text_cell(to_toolkit(entry.count), widths_.count), count_column, index);
+    rows_.attach(text_cell(to_toolkit(entry.title), widths_.title), title_column, index);
+    rows_.attach(text_cell(to_toolkit(entry.head_line), widths_.head), head_column, index);
 }
 
 void MenuWindow::show_advice(e_message_local_t text) {

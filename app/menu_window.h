@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "album/book_entries.h"
+#include "dialogs/row_table.h"
 #include "settings/message.h"
 
 namespace taloram {
@@ -36,26 +37,14 @@ class MenuWindow : public Gtk::Window {
     void on_btn_clicked_talovue3(size_t index);
 
   private:
-    // One listed subdirectory.
-    struct item_t {
-        bool is_album = false;
-        std::string path;
-        Gtk::Label name_label;
-        Gtk::Button open_button;
-        Gtk::Button viewer_button;  // shown for albums only
-        Gtk::Label count_label;
-        Gtk::Label title_label;
-        Gtk::Label head_label;
-    };
-
     void load_settings();
     void apply_command_line();
     void pack_widgets();
     void set_up_buttons();
     void refresh();
     void show_comments();
-    void fill_item(item_t& item, const book_entry_t& entry);
-    void attach_item(size_t index);
+    void show_items();
+    void make_row(size_t index);
     void show_advice(e_message_local_t text);
     void table_size_allocate(Gdk::Rectangle& allocation);
 
@@ -70,8 +59,10 @@ class MenuWindow : public Gtk::Window {
     Gtk::TextView last_view_;
     Gtk::ScrolledWindow scroller_;
     Gtk::Table table_{1, 1, false};
-    Gtk::Label advice_;  // in place of an empty list
-    std::vector<item_t> items_;
+    Gtk::Label advice_;                // in place of an empty list
+    std::vector<book_entry_t> items_;  // one for each row; the widgets are those of rows_
+    entry_widths_t widths_;
+    row_table_t rows_{scroller_, table_, [this](size_t index) { make_row(index); }};
     Gtk::HBox button_row_;
     Gtk::Button browser_button_;
     Gtk::Button option_button_;

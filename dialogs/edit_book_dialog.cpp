@@ -36,11 +36,17 @@ constexpr int spacing = 4;
 constexpr unsigned border = 8;
 constexpr int view_height = 60;
 constexpr int widest_name = 24;  // characters
-constexpr int least_title = 16;
-constexpr int widest_title = 30;
-constexpr int least_head = 24;
-constexpr int widest_head = 40;
-constexpr unsigned columns = 7;  // the second stays empty
+
+// Columns of the list; the second stays empty.
+enum column_t : guint {
+    name_column = 0,
+    open_column = 2,
+    count_column,
+    title_column,
+    head_column,
+    remove_column,
+    columns
+};
 
 // Where a new album may lie: in the book or in one of its books, not the book itself nor anywhere outside.
 bool lies_in_book(const std::string& album, const std::string& book) {
@@ -75,11 +81,17 @@ void EditBookDialog::build() {
     content.pack_start(caption(msg_head_comment, fields_.head, taken), Gtk::PACK_SHRINK);
     content.pack_start(framed_text(fields_.head, view_height), Gtk::PACK_SHRINK);
     table_.set_row_spacings(row_spacing);
-    table_.set_valign(Gtk::ALIGN_START);
     hint_.set_text(message_text(msg_book_without_entries));
     hint_.set_line_wrap(true);
     scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
     scroller_.add(table_);
+    for (const auto& [column, text] : {std::pair(name_column, msg_directory_column),
+                                       {count_column, msg_count_column},
+                                       {title_column, msg_title},
+                                       {head_column, msg_text_column}}) {
+        rows_.add_heading(column, text);
+    }
+    content.pack_start(rows_.headings(), Gtk::PACK_SHRINK);
     content.pack_start(scroller_);
     make_items();
     content.pack_start(caption(msg_last_comment, fields_.last, taken), Gtk::PACK_SHRINK);
@@ -101,72 +113,61 @@ bool EditBookDialog::make_items() {
     std::map<std::string, Glib::ustring> typed_names;
     for (const item_t& item : items_) {
         if (item.is_renamed()) {
-            typed_names[item.name] = item.name_entry.get_text();
+            typed_names[item.entry.name] = item.typed_name;
         }
     }
     if (hint_.get_parent() != nullptr) {
         table_.remove(hint_);
     }
-    items_.clear();
-    table_.resize(1, 1);
-
     comment_texts_t texts;
     loadcommenttxt(book_directory_, texts.title, texts.head, texts.last);
     fields_.show(texts);
     std::vector<book_entry_t> entries;
     const bool listed = list_entries(entries, book_directory_);
-    if (entries.empty()) {
-        table_.attach(hint_, 0, 1, 0, 1);
-        return listed;
-    }
-    items_ = std::vector<item_t>(entries.size());
-    table_.resize(static_cast<guint>(entries.size()), columns);
-    for (size_t i = 0; i < items_.size(); ++i) {
-        fill_item(i, entries[i]);
-        attach_item(i);
-        if (const auto typed = typed_names.find(items_[i].name); typed != typed_names.end()) {
-            items_[i].name_entry.set_text(typed->second);
+    widths_ = widths_of(entries);
+    items_.clear();
+    for (book_entry_t& entry : entries) {
+        item_t& item = items_.emplace_back();
+        item.typed_name = item.shown_name.keep(entry.name);
+        if (const auto typed = typed_names.find(entry.name); typed != typed_names.end()) {
+            item.typed_name = typed->second;
         }
+        item.entry = std::move(entry);
     }
-    return true;
+    table_.resize(std::max(static_cast<guint>(items_.size()), 1U), columns);
+    rows_.set_rows(items_.size());
+    if (items_.empty()) {
+        table_.attach(hint_, 0, 1, 0, 1);
+    }
+    return listed;
 }
 
-void EditBookDialog::fill_item(size_t index, const book_entry_t& entry) {
-    item_t& item = items_[index];
-    const Glib::ustring name = to_toolkit(entry.name);
-    const auto name_button = [&](Gtk::Button& button, e_message_local_t text) {
-        button.set_label(message_text(text));
-        button.get_accessible()->set_name(message_text(text) + " " + name);
+void EditBookDialog::make_row(size_t index) {
+    const book_entry_t& entry = items_[index].entry;
+    const auto button = [&](e_message_local_t text, void (EditBookDialog::*pressed)(size_t)) -> Gtk::Button& {
+        auto* made = Gtk::manage(new Gtk::Button(message_text(text)));
+        made->get_accessible()->set_name(message_text(text) + " " + to_toolkit(entry.name));
+        made->signal_clicked().connect(sigc::bind(sigc::mem_fun(*this, pressed), index));
+        return *made;
     };
-    item.is_album = entry.is_album;
-    item.path = entry.path;
-    item.name = entry.name;
-    item.name_entry.set_text(item.shown_name.keep(entry.name));
-    item.name_entry.set_width_chars(widest_name);
-    item.name_entry.set_tooltip_text(name);
-    item.name_entry.set_activates_default(true);
-    item.name_entry.get_accessible()->set_name(message_text(msg_directory_column) + " " + name);
-    name_button(item.open_button, entry.is_album ? msg_list : msg_edit);
-    name_button(item.remove_button, msg_remove);
-    item.count_label.set_text(to_toolkit(entry.count));
-    set_short_text(item.title_label, to_toolkit(entry.title), widest_title);
-    set_short_text(item.head_label, to_toolkit(entry.head_line), widest_head);
-    item.title_label.set_width_chars(least_title);
-    item.head_label.set_width_chars(least_head);
-    item.open_button.signal_clicked().connect(sigc::bind(sigc::mem_fun(*this, &EditBookDialog::button_list), index));
-    item.remove_button.signal_clicked().connect(
-        sigc::bind(sigc::mem_fun(*this, &EditBookDialog::button_remove), index));
+    rows_.attach(name_entry(index), name_column, index);
+    rows_.attach(button(entry.is_album ? msg_list : msg_edit, &EditBookDialog::button_list), open_column, index);
+    rows_.attach(text_cell(to_toolkit(entry.count), widths_.count), count_column, index);
+    rows_.attach(text_cell(to_toolkit(entry.title), widths_.title), title_column, index);
+    rows_.attach(text_cell(to_toolkit(entry.head_line), widths_.head), head_column, index);
+    rows_.attach(button(msg_remove, &EditBookDialog::button_remove), remove_column, index);
 }
 
-void EditBookDialog::attach_item(size_t index) {
-    item_t& item = items_[index];
-    const auto row = static_cast<guint>(index);
-    table_.attach(item.name_entry, 0, 1, row, row + 1);
-    table_.attach(item.open_button, 2, 3, row, row + 1);
-    table_.attach(item.count_label, 3, 4, row, row + 1);
-    table_.attach(item.title_label, 4, 5, row, row + 1);
-    table_.attach(item.head_label, 5, 6, row, row + 1);
-    table_.attach(item.remove_button, 6, 7, row, row + 1);
+Gtk::Entry& EditBookDialog::name_entry(size_t index) {
+    const Glib::ustring name = to_toolkit(items_[index].entry.name);
+    auto* entry = Gtk::manage(new Gtk::Entry);
+    entry->set_text(items_[index].typed_name);
+    entry->set_width_chars(widest_name);
+    entry->set_tooltip_text(name);
+    entry->set_activates_default(true);
+    entry->get_accessible()->set_name(message_text(msg_directory_column) + " " + name);
+    entry->signal_changed().connect([this, entry, index] { items_[index].typed_name = entry->get_text(); });
+    return *entry;
 }
 
 void EditBookDialog::refresh() {
@@ -230,20 +231,20 @@ void EditBookDialog::rename_items() {
         }
     }
     const auto rename_one = [this](item_t* item) {
-        const std::string name = from_toolkit(item->name_entry.get_text());
-        if (rename_entry(book_directory_, item->name, name) != rename_result_t::done) {
+        const std::string name = from_toolkit(item->typed_name);
+        if (rename_entry(book_directory_, item->entry.name, name) != rename_result_t::done) {
             return false;
         }
-        item->name = name;
-        item->path = entry_path(book_directory_, name);
-        item->name_entry.set_text(item->shown_name.keep(name));
+        item->entry.name = name;
+        item->entry.path = entry_path(book_directory_, name);
+        item->typed_name = item->shown_name.keep(name);
         return true;
     };
     while (std::erase_if(renamed, rename_one) > 0) {
     }
     for (const item_t* item : renamed) {
-        show_error(*this, message_text(msg_rename_refused) + "\n" + to_toolkit(item->name) + " \u2192 " +
-                              item->name_entry.get_text());
+        show_error(*this, message_text(msg_rename_refused) + "\n" + to_toolkit(item->entry.name) + " \u2192 " +
+                              item->typed_name);
     }
 }
 
@@ -357,7 +358,7 @@ bool EditBookDialog::batchupdate(const std::string& path) {
 
 // The list is rebuilt below, and with it the row whose button was clicked.
 void EditBookDialog::button_list(size_t index) {
-    const std::string path = items_[index].path;
+    const std::string path = items_[index].entry.path;
     if (!is_exist(entry_path(path, layout::thumb))) {
         edit_book(*this, path);
         refresh();
@@ -375,8 +376,8 @@ void EditBookDialog::button_list(size_t index) {
 }
 
 void EditBookDialog::button_remove(size_t index) {
-    const std::string path = items_[index].path;
-    if (!ask_to_remove(*this, msg_remove, to_toolkit(items_[index].name))) {
+    const std::string path = items_[index].entry.path;
+    if (!ask_to_remove(*this, msg_remove, to_toolkit(items_[index].entry.name))) {
         return;
     }
     if (!remove_tree(path)) {

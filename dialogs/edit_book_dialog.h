@@ -14,6 +14,7 @@
 #include "album/book_entries.h"
 #include "dialogs/comment_fields.h"
 #include "dialogs/progress_window.h"
+#include "dialogs/row_table.h"
 
 namespace taloram {
 
@@ -42,19 +43,13 @@ class EditBookDialog : public Gtk::Dialog {
     void on_response(int response) override;
 
   private:
+    // What a row shows; its widgets come and go with the place that the list is scrolled to.
     struct item_t {
-        bool is_album = false;
-        std::string path;
-        std::string name;
+        book_entry_t entry;
         kept_text_t shown_name;
-        Gtk::Entry name_entry;
-        Gtk::Button open_button;
-        Gtk::Label count_label;
-        Gtk::Label title_label;
-        Gtk::Label head_label;
-        Gtk::Button remove_button;
+        Glib::ustring typed_name;
 
-        [[nodiscard]] bool is_renamed() const { return !shown_name.is_left_alone(name_entry.get_text()); }
+        [[nodiscard]] bool is_renamed() const { return !shown_name.is_left_alone(typed_name); }
     };
 
     // What the user asked for in the album maker.
@@ -67,8 +62,8 @@ class EditBookDialog : public Gtk::Dialog {
 
     void build();
     void table_size_allocate(Gdk::Rectangle& allocation);
-    void fill_item(size_t index, const book_entry_t& entry);
-    void attach_item(size_t index);
+    void make_row(size_t index);
+    Gtk::Entry& name_entry(size_t index);
     void refresh();
     void save(bool rebuild_all);
     void save_texts();
@@ -87,6 +82,8 @@ class EditBookDialog : public Gtk::Dialog {
     Gtk::Table table_;
     Gtk::Label hint_;  // stands where there are no entries
     std::vector<item_t> items_;
+    entry_widths_t widths_;
+    row_table_t rows_{scroller_, table_, [this](size_t index) { make_row(index); }};
     progress_window_t progress_;
 };
 

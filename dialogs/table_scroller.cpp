@@ -2,6 +2,7 @@
 
 #include <glibmm/main.h>
 #include <gtkmm/bin.h>
+#include <gtkmm/cssprovider.h>
 
 #include <algorithm>
 
@@ -11,21 +12,11 @@ namespace {
 
 constexpr int frame_width = 16;   // pixels that a window manager's frame may take
 constexpr int frame_height = 48;  // with the title bar
-constexpr int readable_characters = 20;
 
 struct extent_t {
     int width = 0;   // pixels
     int height = 0;  // pixels
 };
-
-// In widths of a Latin letter.
-int columns_of(const Glib::ustring& text) {
-    int columns = 0;
-    for (const gunichar character : text) {
-        columns += g_unichar_iswide(character) != FALSE ? 2 : 1;
-    }
-    return columns;
-}
 
 // The monitor's part that panels leave free.
 extent_t work_area(Gtk::Window& window) {
@@ -84,15 +75,44 @@ void follow_table(Gtk::ScrolledWindow& scroller, Gtk::Window& window, const Gdk:
         Glib::PRIORITY_HIGH_IDLE);
 }
 
+int width_of(const Glib::ustring& text) {
+    int width = 0;
+    for (const gunichar character : text) {
+        width += g_unichar_iswide(character) != FALSE ? 2 : 1;
+    }
+    return width;
+}
+
 void set_short_text(Gtk::Label& label, const Glib::ustring& text, int widest_characters) {
     label.set_text(text);
     label.set_single_line_mode(true);
     label.set_ellipsize(Pango::ELLIPSIZE_END);
     label.set_max_width_chars(widest_characters);
     // A table gives its columns what they need at least, and an ellipsis alone would need little.
-    label.set_width_chars(std::min({columns_of(text), widest_characters, readable_characters}));
+    label.set_width_chars(std::min({width_of(text), widest_characters, readable_characters}));
     label.set_xalign(0);
     label.set_tooltip_text(text);
+}
+
+Gtk::ScrolledWindow& plain_text(Gtk::TextView& view, int height) {
+    view.set_editable(false);
+    view.set_cursor_visible(false);
+    view.set_wrap_mode(Gtk::WRAP_WORD_CHAR);
+    view.set_accepts_tab(false);
+    const Glib::RefPtr<Gtk::CssProvider> paper = Gtk::CssProvider::create();
+    paper->load_from_data("textview, textview text { background: none; }");
+    view.get_style_context()->add_provider(paper, GTK_STYLE_PROVIDER_PRIORITY_APPLICATION);
+    auto* frame = Gtk::manage(new Gtk::ScrolledWindow);
+    frame->set_policy(Gtk::POLICY_NEVER, Gtk::POLICY_AUTOMATIC);
+    frame->set_propagate_natural_height(true);
+    frame->set_max_content_height(height);
+    frame->add(view);
+    view.show();
+    // Without a text there is no line to look at, and nothing to stop at with the keyboard.
+    frame->set_no_show_all();
+    view.get_buffer()->signal_changed().connect(
+        [&view, frame] { frame->set_visible(view.get_buffer()->get_char_count() > 0); });
+    return *frame;
 }
 
 Gtk::Widget& framed_text(Gtk::TextView& view, int height) {
