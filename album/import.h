@@ -1,6 +1,7 @@
 #pragma once
 
 #include "album/album_layout.h"
+#include "album/copy_files.h"
 #include "album/progress.h"
 
 namespace taloram {
@@ -29,13 +30,6 @@ struct import_options_t {
 [[nodiscard]] bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                                 const import_options_t& options, progress_signals_t& progress,
                                 std::vector<std::string>& left_out);
-
-// Copies the listed files: photographs into original/, movies into movie/, all others into txt/, which must exist. A
-// file takes its final name only when all its bytes were compared with the source; one that the album has with the same
-// contents stays and takes the source's date. The reduced sizes of a photograph that the album already has are removed.
-// Stops at the first failure.
-[[nodiscard]] bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                             progress_t& progress);
 
 // Makes `to` a hard link of `from`, replacing it. The paths go through a shell unquoted.
 [[nodiscard]] bool hardlinkone(const std::string& from, const std::string& to);
