@@ -71,7 +71,8 @@ bool import_t::copy(progress_t& progress) {
         libutils::report(originals, ": mkdir failed, ", std::strerror(errno));
         return false;
     }
-    const bool copied = copy_files(srcdir_, files_, album_, progress, collector());
+    const bool copied = copy_files(srcdir_, files_, album_, progress,
+                                   [this](const files_t& file, const std::error_code&) { return collect(file); });
     if (!copied) {
         // What was copied stays, and a sum of what it replaced would call it changed.
         files_.erase(std::find_if(files_.begin(), files_.end(),

@@ -1,5 +1,6 @@
 #include "album/orphans.h"
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -35,23 +36,26 @@ bool remove_file(const std::string& path) {
 
 namespace {
 
-// The photographs in a directory of the album; a directory that can't be listed has none.
-names_t photos_in(const std::string& directory) {
-    std::list<std::string> listing;
-    if (!libutils::getfiles(listing, directory.c_str())) {
-        return {};
+// The names in a directory of the album, none where there is no such directory. False, after a report, when it can't be
+// listed to its end: what an album has is known then of none of its photographs.
+bool list_if_exists(std::list<std::string>& names, const std::string& directory) {
+    const std::error_code failure = libutils::list_files(names, directory);
+    if (failure && !libutils::is_absent(failure)) {
+        libutils::report(directory, ": can't be listed, ", failure.message());
+        return false;
     }
-    names_t photos;
-    std::copy_if(listing.begin(), listing.end(), std::inserter(photos, photos.end()), is_photo);
-    return photos;
+    return true;
 }
 
-names_t photos_with_sizes(const std::string& album) {
-    names_t photos;
+bool find_photos_with_sizes(names_t& photos, const std::string& album) {
     for (const std::string& directory : level_directories(album, highest_top_level)) {
-        photos.merge(photos_in(directory));
+        std::list<std::string> names;
+        if (!list_if_exists(names, directory)) {
+            return false;
+        }
+        std::copy_if(names.begin(), names.end(), std::inserter(photos, photos.end()), is_photo);
     }
-    return photos;
+    return true;
 }
 
 // True for the zoom page of some level; `base` = the photograph's name without its extension.
@@ -66,19 +70,18 @@ bool is_zoom_page(const std::string& page, std::string& base) {
 }
 
 // The zoom pages of photographs that `originals` does not have.
-std::list<std::string> orphaned_pages(const std::string& album, const names_t& originals) {
+bool find_orphaned_pages(std::list<std::string>& pages, const std::string& album, const names_t& originals) {
     names_t bases;
     std::transform(originals.begin(), originals.end(), std::inserter(bases, bases.end()),
                    [](const std::string& photo) { return libutils::basename(photo); });
-    std::list<std::string> pages;
-    if (!libutils::getfiles(pages, entry_path(album, layout::html).c_str())) {
-        return {};
+    if (!list_if_exists(pages, entry_path(album, layout::html))) {
+        return false;
     }
     pages.remove_if([&](const std::string& page) {
         std::string base;
         return !is_zoom_page(page, base) || bases.count(base) != 0;
     });
-    return pages;
+    return true;
 }
 
 std::string zoom_page_path(const std::string& album, const std::string& page) {
@@ -115,16 +118,30 @@ void report_orphans(const std::string& album, const names_t& photos, const std::
 
 }  // namespace
 
-bool remove_reduced_sizes(const std::string& album, const std::string& photo) {
-    bool removed = true;
+std::vector<std::string> find_reduced_sizes(const std::string& album, const std::string& photo) {
+    std::vector<std::string> paths;
     for (const std::string& directory : level_directories(album, highest_top_level)) {
-        removed = remove_if_exists(entry_path(directory, photo)) && removed;
+        const std::string path = entry_path(directory, photo);
+        struct stat status {};
+        if (lstat(path.c_str(), &status) == 0 || !libutils::is_absent(libutils::last_error())) {
+            paths.push_back(path);
+        }
     }
-    return removed;
+    return paths;
+}
+
+std::error_code remove_reduced_sizes(const std::string& album, const std::string& photo) {
+    std::error_code first;
+    for (const std::string& path : find_reduced_sizes(album, photo)) {
+        if (!remove_if_exists(path)) {
+            first = first ? first : libutils::last_error();
+        }
+    }
+    return first;
 }
 
 bool remove_traces(const std::string& album, const std::string& photo) {
-    bool removed = remove_reduced_sizes(album, photo);
+    bool removed = !remove_reduced_sizes(album, photo);
     for (unsigned long level = 1; level <= highest_top_level; ++level) {
         removed = remove_if_exists(zoom_page_path(album, zoom_page_name(photo, level))) && removed;
     }
@@ -143,15 +160,19 @@ bool treat_orphans(const std::string& album, orphans_t treatment) {
     }
     const std::string directory = entry_path(album, layout::original);
     std::list<std::string> originals;
-    if (!libutils::getfiles(originals, directory.c_str())) {
+    if (libutils::list_files(originals, directory)) {
         libutils::report(directory, ": getfiles failed.");
         return false;
     }
-    names_t photos = photos_with_sizes(album);
+    names_t photos;
+    std::list<std::string> pages;
+    if (!find_photos_with_sizes(photos, album) ||
+        !find_orphaned_pages(pages, album, {originals.begin(), originals.end()})) {
+        return false;
+    }
     for (const std::string& original : originals) {
         photos.erase(original);
     }
-    const std::list<std::string> pages = orphaned_pages(album, {originals.begin(), originals.end()});
     if (treatment == orphans_t::remove) {
         return remove_orphans(album, photos, pages);
     }

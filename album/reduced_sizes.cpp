@@ -203,8 +203,12 @@ unsigned long getshrinklevel(const std::string& album, const std::string& name) 
         libutils::report(path, ": analyze_markers() failed.");
         return 0;
     }
+    return top_level(info.width, info.height);
+}
+
+unsigned long top_level(uint64_t width, uint64_t height) {
     unsigned long level = 0;
-    while (info.width >> level > g_global.shrink_width || info.height >> level > g_global.shrink_height) {
+    while (width >> level > g_global.shrink_width || height >> level > g_global.shrink_height) {
         ++level;
     }
     return level;

@@ -15,6 +15,9 @@ namespace taloram {
 // The top level of a photograph by the size of its original; 0, after a report, when that can't be read.
 [[nodiscard]] unsigned long getshrinklevel(const std::string& album, const std::string& name);
 
+// The same by its pixels.
+[[nodiscard]] unsigned long top_level(uint64_t width, uint64_t height);
+
 // True when `source` exists and `target` is missing or older, compared in nanoseconds.
 [[nodiscard]] bool need_update(const std::string& source, const std::string& target);
 

@@ -13,9 +13,37 @@
 #include "libutils/diagnostics.h"
 #include "libutils/ofsvector.h"
 #include "libutils/path.h"
+#include "libutils/system_error.h"
 #include "libutils/write_all.h"
 
 namespace libutils {
+
+std::error_code copy_file(const std::string& from, const std::string& to) {
+    bytes_t bytes;
+    errno = EIO;  // unless opening it knows better
+    if (!bytes.load(0, from.c_str(), PROT_READ_ONLY, 0, false, nullptr)) {
+        return last_error();
+    }
+    const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (out < 0) {
+        return last_error();
+    }
+    const std::error_code unwritten = write_all(out, {reinterpret_cast<const char*>(bytes.begin()), bytes.size()});
+    const std::error_code unclosed = close(out) == 0 ? std::error_code() : last_error();
+    if (unwritten || unclosed) {
+        return unwritten ? unwritten : unclosed;
+    }
+    return bytes.is_intact() ? copy_date(from, to) : make_error_code(std::errc::io_error);
+}
+
+std::error_code copy_date(const std::string& from, const std::string& to) {
+    struct stat status {};
+    if (stat(from.c_str(), &status) != 0) {
+        return last_error();
+    }
+    const std::array<timespec, 2> times{timespec{status.st_atim.tv_sec, 0}, timespec{status.st_mtim.tv_sec, 0}};
+    return utimensat(AT_FDCWD, to.c_str(), times.data(), 0) == 0 ? std::error_code() : last_error();
+}
 
 bool filecopy(const char* from, const char* to) {
     if (is_same_file(from, to)) {

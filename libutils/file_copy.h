@@ -1,6 +1,17 @@
 #pragma once
 
+#include <string>
+#include <system_error>
+
 namespace libutils {
+
+// Copies the whole of `from` over `to` through a mapping and gives it the times of `from`, as copy_date() does. `to`
+// was written and closed without a failure then; network file systems and quotas refuse bytes as late as that. No
+// message.
+[[nodiscard]] std::error_code copy_file(const std::string& from, const std::string& to);
+
+// Gives `to` the access and modification times of `from` in whole seconds. No message.
+[[nodiscard]] std::error_code copy_date(const std::string& from, const std::string& to);
 
 // Copies the whole of `from` over `to` through a mapping and one write and gives it the times of `from`. False, without
 // a message of its own, when `from` can't be read or `to` can't be opened; otherwise the result of copydate(): a
