@@ -3,64 +3,24 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <cctype>
-#include <cerrno>
-#include <string_view>
 
 #include "album/album_layout.h"
+#include "album/sum_line.h"
 #include "album/text_file.h"
 #include "libutils/diagnostics.h"
 #include "libutils/new_file.h"
+#include "libutils/program.h"
 
 namespace taloram {
 
 namespace {
 
-constexpr size_t sum_length = 64;               // hexadecimal digits
-constexpr off_t longest_manifest = 256L << 20;  // bytes; some million files
-
-struct escape_t {
-    char meant;
-    char written;  // behind a "\"
-};
-constexpr escape_t escapes[] = {{'\\', '\\'}, {'\n', 'n'}, {'\r', 'r'}};
-
-std::string escaped(const std::string& path) {
-    std::string text;
-    for (const char c : path) {
-        const auto* const escape =
-            std::find_if(std::begin(escapes), std::end(escapes), [c](const escape_t& e) { return e.meant == c; });
-        if (escape == std::end(escapes)) {
-            text += c;
-        } else {
-            text += {'\\', escape->written};
-        }
+// "./" before a name changes nothing; other ways to write a path are taken as other paths.
+std::string plain_path(std::string path) {
+    while (path.starts_with("./")) {
+        path.erase(0, std::min(path.find_first_not_of('/', 1), path.size()));
     }
-    return text;
-}
-
-bool unescape(std::string& path, std::string_view text) {
-    path.clear();
-    for (size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            path += text[i];
-            continue;
-        }
-        ++i;
-        const auto* const escape = std::find_if(std::begin(escapes), std::end(escapes), [&](const escape_t& e) {
-            return i < text.size() && e.written == text[i];
-        });
-        if (escape == std::end(escapes)) {
-            return false;
-        }
-        path += escape->meant;
-    }
-    return true;
-}
-
-bool is_sum(std::string_view text) {
-    return text.size() == sum_length &&
-           std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isxdigit(c) != 0; });
+    return path;
 }
 
 std::string manifest_path(const std::string& album) {
@@ -71,58 +31,55 @@ std::string manifest_path(const std::string& album) {
 
 bool manifest_t::load(const std::string& album) {
     const std::string path = manifest_path(album);
-    struct stat status {};
-    if (lstat(path.c_str(), &status) != 0 && errno == ENOENT) {
-        return true;
-    }
     std::string text;
-    if (stat(path.c_str(), &status) != 0 || status.st_size > longest_manifest || load_text(text, path)) {
-        libutils::report(path, ": can't be read.");
+    if (const std::error_code failure = load_text(text, path)) {
+        struct stat status {};
+        // A link that leads nowhere stands for sums that are somewhere else.
+        if (libutils::is_absent(failure) && lstat(path.c_str(), &status) != 0) {
+            return true;
+        }
+        libutils::report(path, ": can't be read, ", failure.message());
         return false;
     }
+    return parse(text, path);
+}
+
+bool manifest_t::parse(const std::string& text, const std::string& file) {
     size_t number = 0;
-    for (const std::string& line : split_lines(text)) {
+    bool agree = true;
+    sum_line_reader_t reader;
+    for (std::string line : split_lines(text)) {
         ++number;
-        if (!parse_line(line)) {
-            libutils::report(path, ": line ", number, " is not a sum and a path.");
+        if (line.ends_with('\r')) {
+            line.pop_back();
+        }
+        if (line.empty() || line.front() == '#') {
+            remarks_ += line.empty() ? "" : line + '\n';
+            continue;
+        }
+        const std::optional<sum_line_t> read = reader.read(line);
+        if (!read || read->path.find('\0') != std::string::npos) {
+            libutils::report(file, ": line ", number, " is not a sum and a path.");
             return false;
+        }
+        const auto [entry, is_first] = sums_.emplace(plain_path(read->path), read->sum);
+        if (!is_first && entry->second != read->sum) {
+            libutils::report(file, ": line ", number,
+                             " contradicts an earlier one: ", libutils::one_line(entry->first));
+            agree = false;
         }
     }
     is_kept_ = true;
-    return true;
-}
-
-bool manifest_t::parse_line(const std::string& line) {
-    std::string_view rest = line;
-    const bool has_escapes = !rest.empty() && rest.front() == '\\';
-    rest.remove_prefix(has_escapes ? 1 : 0);
-    // Behind the sum stand a blank and the mode: a blank, or "*" for what is called binary.
-    if (rest.size() < sum_length + 3 || rest[sum_length] != ' ' ||
-        (rest[sum_length + 1] != ' ' && rest[sum_length + 1] != '*')) {
-        return false;
-    }
-    std::string sum(rest.substr(0, sum_length));
-    if (!is_sum(sum)) {
-        return false;
-    }
-    std::transform(sum.begin(), sum.end(), sum.begin(), [](unsigned char c) { return std::tolower(c); });
-    rest.remove_prefix(sum_length + 2);
-    std::string path(rest);
-    if (has_escapes && !unescape(path, rest)) {
-        return false;
-    }
-    sums_[path] = sum;
-    return true;
+    return agree;
 }
 
 bool manifest_t::save(const std::string& album) {
     if (is_kept_ && !is_changed_) {
         return true;
     }
-    std::string text;
+    std::string text = remarks_;
     for (const auto& [path, sum] : sums_) {
-        const std::string written = escaped(path);
-        text += (written == path ? "" : "\\") + sum + "  " + written + '\n';
+        text += written_sum_line({path, sum});
     }
     libutils::new_file_t file(manifest_path(album), libutils::staging_t::beside);
     file.open_as_old({libutils::links_t::others_t::refused, album});

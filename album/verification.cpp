@@ -9,7 +9,6 @@
 #include "album/checksum.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
-#include "libutils/path.h"
 
 namespace taloram {
 
@@ -33,11 +32,9 @@ bool find_unlisted(const std::string& album, const char* kind, const manifest_t&
                    bool& none_found) {
     const std::string directory = entry_path(album, kind);
     std::list<std::string> names;
-    if (!libutils::getfiles(names, directory.c_str())) {
-        if (!is_exist(directory)) {
-            return true;
-        }
-        libutils::report(directory, ": getfiles failed.");
+    const std::error_code failure = libutils::list_files(names, directory);
+    if (failure && !libutils::is_absent(failure)) {
+        libutils::report(directory, ": can't be listed, ", failure.message());
         return false;
     }
     for (const std::string& name : names) {
@@ -62,6 +59,26 @@ bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& 
     return sha256_of_file(expected, file.source, read_from_t::anywhere) && expected == sum;
 }
 
+bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                const finding_t& found) {
+    manifest_t manifest;
+    if (!manifest.load(album)) {
+        return false;
+    }
+    bool good = true;
+    for (const files_t& entry : files) {
+        const import_file_t file = locate_import(srcdir, entry.filename, album);
+        const std::optional<std::string> noted = manifest.sum_of(file.path_in_album);
+        std::string sum;
+        // A source that can't be read replaces nothing, and of the album's own file the sum stays.
+        if (noted && !file.in_place && sha256_of_file(sum, file.source, read_from_t::anywhere) && sum != *noted) {
+            found(file.destination, libutils::join_text("has another sum in ", manifest_t::name, "."));
+            good = false;
+        }
+    }
+    return good;
+}
+
 bool flush_album_names(const std::string& album) {
     for (const char* name : {layout::original, layout::movie, layout::text, ".", ".."}) {
         const std::string directory = entry_path(album, name);
@@ -80,16 +97,15 @@ bool flush_album_names(const std::string& album) {
 
 bool verify_album(const std::string& album, const finding_t& found, size_t& count) {
     manifest_t manifest;
-    if (!manifest.load(album)) {
-        return false;
-    }
+    bool good = manifest.load(album);
     if (!manifest.is_kept()) {
-        libutils::report(album, ": has no ", manifest_t::name, ".");
+        if (good) {
+            libutils::report(album, ": has no ", manifest_t::name, ".");
+        }
         return false;
     }
-    bool good = true;
     for (const auto& [path, sum] : manifest.sums()) {
-        const std::string file = entry_path(album, path);
+        const std::string file = path.starts_with('/') ? path : entry_path(album, path);
         const std::string wrong = compare_with_sum(file, sum);
         if (!wrong.empty()) {
             found(file, wrong);

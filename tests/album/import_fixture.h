@@ -1,0 +1,46 @@
+#pragma once
+
+#include "album/album_update.h"
+#include "album/import.h"
+#include "album/verification.h"
+#include "tests/album/album_fixture.h"
+
+// An album that is imported into, and what its files and its verification tell.
+struct import_fixture_t : album_test_t {
+    std::string import(const import_options_t& options, const std::vector<files_t>& files, std::string from = "") {
+        from = from.empty() ? card : from;
+        return outcome([&] { return import_album(from, files, album, options, unseen, left_out); });
+    }
+    std::string update(orphans_t orphans) {
+        return outcome([&] { return batchupdate(album, {orphans}, unseen); });
+    }
+
+    // What was found by a function that gets `found`, each with its path in the album; in front the outcome.
+    std::string findings(const std::function<bool(const finding_t& found)>& look) {
+        std::string text;
+        const std::string result = outcome([&] {
+            return look([&](const std::string& path, const std::string& what) {
+                text += fs::relative(path, album).string() + ": " + what + "\n";
+            });
+        });
+        return result + text;
+    }
+    std::string verify() {
+        size_t count = 0;
+        const std::string result = findings([&](const finding_t& found) { return verify_album(album, found, count); });
+        return result + std::to_string(count);
+    }
+
+    using strings_t = std::vector<std::string>;
+    strings_t names(const std::string& part) const {
+        strings_t paths = files_below(album + part);
+        for (std::string& path : paths) {
+            path.erase(0, album.size() + 1);
+        }
+        return paths;
+    }
+
+    const blob_t photo = make_jpeg({.width = 100, .height = 40});
+    progress_signals_t unseen;
+    strings_t left_out;
+};
