@@ -54,7 +54,8 @@ void take_in_scans(decompressor_t& reader, int wanted, outcome_t& outcome) {
     }
 }
 
-// Decodes row by row. Of a file in one scan whose compressed data ends early, the rows from there on are left alone.
+// Decodes row by row. Of a file in one scan whose compressed data ends early, the rows from there on are left alone;
+// what a damaged restart interval lacks libjpeg fills with gray.
 void decode_rows(decompressor_t& reader, const rows_t& rows, int wanted_scans, outcome_t& outcome) {
     jpeg_decompress_struct& info = reader.info;
     const bool several_scans = jpeg_has_multiple_scans(&info) != FALSE;
@@ -111,6 +112,7 @@ bool jpeginfo_t::decompress(image2d_t& img, jpegdata_t& d, unsigned short /*alig
 
 bool jpeginfo_t::decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eighths) {
     markers.clear();
+    damaged = true;
     decompressor_t reader(d);
     if (!reader.attempt([&] { open_file(reader, eighths); })) {
         libutils::report(shown_name(d), ": jpeg decompress fail, stop.");
@@ -131,6 +133,7 @@ bool jpeginfo_t::decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eight
             return false;
         }
     }
+    const long header_warnings = reader.warnings();
     const rows_t rows{img.pixel(0, 0), img.rowsize(), img.window.height};
     outcome_t outcome;
     if (!reader.attempt([&] { decode_rows(reader, rows, all_scans, outcome); })) {
@@ -145,6 +148,8 @@ bool jpeginfo_t::decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eight
         libutils::report(shown_name(d), ": jpeg decompress fail, but continue.");
     } else if (!outcome.complete) {
         libutils::report(shown_name(d), ": decompress fail.");
+    } else {
+        damaged = reader.warnings() != header_warnings;
     }
     return true;
 }

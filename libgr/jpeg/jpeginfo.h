@@ -50,8 +50,9 @@ class jpeginfo_t {
     uint64_t width = 0;  // pixels
     uint64_t height = 0;
     std::list<marker_t> markers;  // in file order
+    bool damaged = false;         // of the last decoding: something about the compressed data was reported
 
-    // Reads `d` as far as its frame header and fills all three fields. A file that can't be read is reported and gives
+    // Reads `d` as far as its frame header and fills size and segments. A file that can't be read is reported and gives
     // false; the segments saved up to then stay listed.
     [[nodiscard]] bool analyze_markers(jpegdata_t& d);
 
@@ -59,9 +60,10 @@ class jpeginfo_t {
     [[nodiscard]] libutils::bytes_t get_marker(e_marker_num_t n) const;
 
     // Decodes `d` into `img` (8-bit RGB or grayscale) and lists its segments, those without contents left out. A
-    // picture that is damaged part way is reported and still gives true: rows not reached keep what the buffer held
-    // (0). False when the header can't be read or the file became shorter meanwhile (reported), the colour layout has
-    // no image format, or the pixels can't be allocated. `align`, `border` and `color` must be 0, false and black.
+    // picture that is damaged part way is reported and still gives true, with `damaged` set: after a damaged restart
+    // interval decoding goes on; where the data is over, the rows not reached keep what the buffer held (0). False when
+    // the header can't be read or the file became shorter meanwhile (reported), the colour layout has no image format,
+    // or the pixels can't be allocated. `align`, `border` and `color` must be 0, false and black.
     [[nodiscard]] bool decompress(image2d_t& img, jpegdata_t& d, unsigned short align, bool border,
                                   const color3ub_t& color);
 

@@ -36,6 +36,8 @@ constexpr int max_segments = 16384;
 constexpr unsigned max_presentations = 2;
 constexpr size_t growth_step = 0x100000;  // bytes
 
+constexpr int first_real_marker = 0xC0;  // ITU-T T.81 table B.1; lower codes are reserved
+
 // Messages of our own, numbered behind libjpeg's.
 enum own_message_t { msg_scans = 1000, msg_segments, msg_size, msg_end };
 constexpr const char* own_messages[] = {"JPEG file with more than %d scans", "JPEG file with more than %d segments",
@@ -77,10 +79,18 @@ void output_message(j_common_ptr info) {
     std::longjmp(*errors.jump, 1);
 }
 
+// Whether the marker that libjpeg has met ends the compressed data. In a picture with restart intervals it goes on
+// after restart markers and after codes that are no marker's: it finds the next interval.
+bool is_end_of_data(const jpeg_decompress_struct& info) {
+    const bool passed_over = info.unread_marker < first_real_marker ||
+                             (info.unread_marker >= JPEG_RST0 && info.unread_marker < JPEG_RST0 + 8);
+    return info.restart_interval == 0 || !passed_over;
+}
+
 void emit_message(j_common_ptr info, int level) {
     error_manager_t& errors = errors_of(info);
-    if (level < 0 && (errors.msg_code == JWRN_JPEG_EOF || errors.msg_code == JWRN_HIT_MARKER)) {
-        errors.early_end = true;
+    if (level < 0 && errors.msg_code == JWRN_HIT_MARKER) {
+        errors.early_end = errors.early_end || is_end_of_data(*reinterpret_cast<j_decompress_ptr>(info));
     }
     // Every segment of the header shows as a trace message of this level.
     if (level == 1 && ++errors.segments > max_segments) {
@@ -116,6 +126,15 @@ void src_skip_input_data(j_decompress_ptr info, long count) {
     }
 }
 
+// While blocks of one interval are missing libjpeg does not warn again. When it then finds no further interval the data
+// is over all the same.
+boolean src_resync_to_restart(j_decompress_ptr info, int wanted) {
+    const boolean synced = jpeg_resync_to_restart(info, wanted);
+    error_manager_t& errors = errors_of(reinterpret_cast<j_common_ptr>(info));
+    errors.early_end = errors.early_end || (info->unread_marker != 0 && is_end_of_data(*info));
+    return synced;
+}
+
 void src_term(j_decompress_ptr /*info*/) {
 }
 
@@ -128,7 +147,7 @@ void install_source(j_decompress_ptr info, const jpegdata_t& data) {
     source.init_source = src_init;
     source.fill_input_buffer = src_fill_input_buff;
     source.skip_input_data = src_skip_input_data;
-    source.resync_to_restart = jpeg_resync_to_restart;
+    source.resync_to_restart = src_resync_to_restart;
     source.term_source = src_term;
     source.data = &data;
     source.presentations = 0;

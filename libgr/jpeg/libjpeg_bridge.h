@@ -28,7 +28,7 @@ struct error_manager_t : jpeg_error_mgr {
     const jpegdata_t* data;  // that messages name; not owned
     void (*standard_emit_message)(j_common_ptr, int);
     unsigned segments;  // met so far
-    bool early_end;     // libjpeg warned that the compressed data stopped short
+    bool early_end;     // the compressed data is over before the picture is
     bool silent;
 };
 
@@ -86,7 +86,8 @@ class decompressor_t {
     // Releases all memory now.
     void close() { jpeg_destroy_decompress(&info); }
 
-    // libjpeg warned that the compressed data ended or hit a marker too early.
+    // The compressed data is over before the picture is: the file ends, or a marker stands there from which libjpeg
+    // does not find back into the data. A damaged restart interval is no early end.
     [[nodiscard]] bool early_end() const { return errors_.early_end; }
     // The file's last byte has been passed without an end-of-image marker.
     [[nodiscard]] bool ran_out() const;

@@ -22,6 +22,14 @@ auto segments_of(const jpeginfo_t& info) {
     return segments;
 }
 
+blob_t top_down(const image2d_t& image) {
+    blob_t rows;
+    for (uint32_t y = image.window.height; y-- > 0;) {
+        rows.insert(rows.end(), image.pixel(0, y), image.pixel(0, y) + image.rowbyte());
+    }
+    return rows;
+}
+
 TEST(Jpeg, KeepsSegmentsInFileOrder) {
     std::vector<std::pair<int, blob_t>> wanted = {{0xE1, {1, 2}}, {0xFE, {3}}, {0xEF, {}}, {0xE1, {4}}, {0xE0, {5}}};
     photo_t photo{.width = 33, .height = 17};
@@ -106,13 +114,60 @@ TEST(Jpeg, DecodesWhatIsThere) {
         const pixels_t picture = decode(whole);
         EXPECT_EQ(image.desc.format, picture.channels == 1 ? IMAGE_FORMAT_GRAYSCALE : IMAGE_FORMAT_RGB);
         ASSERT_EQ(image.rowbyte() * image.window.height, picture.bytes.size());
-        blob_t found;
-        for (uint32_t y = picture.height; y-- > 0;) {
-            found.insert(found.end(), image.pixel(0, y), image.pixel(0, y) + image.rowbyte());
-        }
+        const blob_t found = top_down(image);
         const auto wrong = std::mismatch(found.begin(), found.end(), picture.bytes.begin()).first;
         EXPECT_EQ((wrong - found.begin()) / static_cast<long>(image.rowbyte()), right_rows);
         EXPECT_EQ(found.back() == 0, name == std::string("cut")) << "the bottom row";
+    }
+}
+
+// Bytes of the compressed data are overwritten; with restart intervals the picture goes on after them.
+TEST(Jpeg, DecodesOnAfterADamagedRestartInterval) {
+    const blob_t zeros(40), reserved = {0xFF, 0x37, 0x12, 0xFF, 0xBF}, end = {0xFF, 0xD9, 0, 0};
+    for (const unsigned interval : {1U, 4U, 10U, 0U}) {  // of 10 MCUs a row
+        for (const bool progressive : {false, true}) {
+            const blob_t whole =
+                make_jpeg({.width = 160, .height = 112, .progressive = progressive, .restart_interval = interval});
+            const size_t data = std::string(whole.begin(), whole.end()).find("\xFF\xDA") + 20;
+            for (const blob_t& hole : {zeros, reserved, end, {}}) {
+                const bool marker_in_hole = hole == reserved || hole == end;
+                // libjpeg itself gives up at such a marker when it takes in all coefficients.
+                for (size_t eighth = marker_in_hole && progressive ? 8 : 0; eighth < 8; ++eighth) {
+                    SCOPED_TRACE(testing::Message() << "interval " << interval << ", progressive " << progressive
+                                                    << ", " << hole.size() << " bytes at " << eighth << " eighths");
+                    blob_t file = whole;
+                    const auto at = file.begin() + static_cast<long>(data + (file.size() - 60 - data) * eighth / 7);
+                    std::copy(hole.begin(), hole.end(), at);
+                    jpegdata_t photo = in_memory(file), copy;
+                    jpeginfo_t info;
+                    image2d_t image;
+                    const std::string messages =
+                        stderr_of([&] { ASSERT_TRUE(info.decompress(image, photo, 0, false, {})); });
+                    EXPECT_EQ(info.damaged, !messages.empty()) << messages;
+                    const blob_t found = top_down(image), wanted = decode(file).bytes;
+                    const bool over = messages.find("decompress fail") != std::string::npos;
+                    if (!progressive && over) {
+                        EXPECT_TRUE(interval == 0 || hole == end || eighth == 7) << "nothing after it";
+                        const auto wrong = std::mismatch(found.begin(), found.end(), wanted.begin()).first;
+                        EXPECT_TRUE(std::all_of(wrong, found.end(), [](int sample) { return sample == 0; }));
+                    } else {
+                        EXPECT_EQ(found, wanted);
+                    }
+                    if (marker_in_hole) {
+                        continue;
+                    }
+                    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(transform(0, copy, photo), messages.empty()); }),
+                              messages.substr(0, messages.find('\n') + 1));
+                    for (size_t i = 0; i < 3; ++i) {
+                        std::vector<int16_t> values = read_coefficients(file).components[i].values;
+                        for (size_t k = 0; k < values.size(); ++k) {
+                            values[k] = std::clamp<int16_t>(values[k], k % 64 == 0 ? -1024 : -1023, 1023);
+                        }
+                        EXPECT_EQ(read_coefficients(bytes_of(copy)).components[i].values, values);
+                    }
+                }
+            }
+        }
     }
 }
 
