@@ -12,13 +12,12 @@
 #include "album/page_frame.h"
 #include "album/reduced_sizes.h"
 #include "album/text_file.h"
-#include "libgr/jpeg/jpegdata.h"
-#include "libgr/jpeg/jpeginfo.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "libutils/text.h"
 #include "shooting_data/exif_summary.h"
+#include "shooting_data/photo_header.h"
 #include "talolib/option.h"
 
 namespace taloram {
@@ -89,9 +88,8 @@ bool save_album_page(const page_t& page, const std::string& album, const std::st
 bool write_size_links(std::ostream& out, const std::string& album, const page_photo_t& photo) {
     for (unsigned long k = 0; k < photo.level; ++k) {
         const std::string path = entry_path(album, photo.link(k));
-        libgr::jpegdata_t data;
-        libgr::jpeginfo_t info;
-        if (!data.load(path.c_str()) || !info.analyze_markers(data)) {
+        photo_header_t header;
+        if (load_photo_header(header, path) != header_status_t::complete) {
             return false;
         }
         struct stat status {};
@@ -100,8 +98,8 @@ bool write_size_links(std::ostream& out, const std::string& album, const page_ph
             return false;
         }
         const auto kilobytes = (static_cast<uint64_t>(status.st_size) + 1023) / 1024;
-        out << "\t<br><a href=\"" << photo.target(k) << "\">" << info.width << "x" << info.height << " (" << kilobytes
-            << "k)</a>\n";
+        out << "\t<br><a href=\"" << photo.target(k) << "\">" << header.width << "x" << header.height << " ("
+            << kilobytes << "k)</a>\n";
     }
     return true;
 }

@@ -4,22 +4,16 @@
 #include <iostream>
 
 #include "album/album_layout.h"
-#include "libgr/exif/app1_marker.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libutils/diagnostics.h"
 #include "settings/settings.h"
+#include "shooting_data/photo_header.h"
 #include "talolib/option.h"
 
 namespace taloram {
 
 namespace {
-
-// What a photograph carries for its own preview.
-struct embedded_preview_t {
-    libutils::bytes_t jpeg;   // empty without one
-    unsigned long turns = 0;  // clockwise quarter turns that set it upright
-};
 
 bool load_file(libgr::jpegdata_t& data, const std::string& path) {
     const bool loaded = data.load(path.c_str());
@@ -38,32 +32,22 @@ bool decode(libgr::image2d_t& image, libgr::jpegdata_t& data, const std::string&
     return decoded;
 }
 
-embedded_preview_t read_embedded(const libutils::bytes_t& segment) {
-    embedded_preview_t preview;
-    libgr::app1_marker_t app1;
-    app1.set_app1_buffer(segment);
-    if (!app1.parse() || app1.tiff_header.thumbnail.empty()) {
-        return preview;
-    }
-    preview.jpeg = app1.tiff_header.thumbnail;
-    if (const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation; !orientation.empty()) {
-        talolib::trace(std::cerr, "orientation: ", orientation.front());
-        preview.turns = libgr::mixorientandrightrotatecount(0, orientation.front());
-    }
-    return preview;
-}
-
-bool load_embedded(libgr::image2d_t& image, libgr::jpegdata_t& data, const embedded_preview_t& preview,
+// The camera's own thumbnail, set upright.
+bool load_embedded(libgr::image2d_t& image, libgr::jpegdata_t& data, const photo_header_t& header,
                    const std::string& path) {
-    data.setvector(preview.jpeg, path.c_str());
+    if (header.orientation_value) {
+        talolib::trace(std::cerr, "orientation: ", *header.orientation_value);
+    }
+    data.setvector(header.thumbnail, path.c_str());
     if (!decode(image, data, path, ": thumbnail decompress() failed.")) {
         return false;
     }
-    if (preview.turns == 0) {
+    const unsigned long turns = quarter_turns(header.orientation());
+    if (turns == 0) {
         return true;
     }
     libgr::image2d_t upright;
-    if (!libgr::rotate(preview.turns, upright, image)) {
+    if (!libgr::rotate(turns, upright, image)) {
         libutils::report(path, ": rotate() failed.");
         return false;
     }
@@ -99,21 +83,17 @@ bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
     if (!is_photo(path) || !load_file(data, path)) {
         return false;
     }
-    libgr::jpeginfo_t info;
-    if (!info.analyze_markers(data)) {
+    photo_header_t header;
+    if (!read_photo_header(header, data)) {
         libutils::report(path, ": jpeginfo analyze_markers() failed.");
         return false;
     }
-    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
-    const char* failure = ": thumbnail decompress() failed.";
-    if (!segment.empty()) {
-        const embedded_preview_t preview = read_embedded(segment);
-        if (!preview.jpeg.empty()) {
-            return load_embedded(image, data, preview, path);
-        }
-        failure = ": original decompress() failed.";
+    read_exif(header);
+    if (!header.thumbnail.empty()) {
+        return load_embedded(image, data, header, path);
     }
-    if (!decode(image, data, path, failure)) {
+    if (!decode(image, data, path,
+                header.app1().empty() ? ": thumbnail decompress() failed." : ": original decompress() failed.")) {
         return false;
     }
     halve_to_preview(image);

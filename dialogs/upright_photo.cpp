@@ -7,47 +7,30 @@
 #include "album/album_layout.h"
 #include "album/reduced_sizes.h"
 #include "dialogs/thumbnails.h"
-#include "libgr/exif/app1_marker.h"
-#include "libgr/image/pixel_operations.h"
-#include "libgr/jpeg/jpegdata.h"
-#include "libgr/jpeg/jpeginfo.h"
+#include "libgr/image/image2d.h"
 #include "libutils/diagnostics.h"
-#include "shooting_data/orientation.h"
+#include "shooting_data/photo_header.h"
 #include "toolkit/upright_pixels.h"
 
 namespace taloram {
 
 namespace {
 
-struct exif_facts_t {
-    unsigned long orientation = 1;
-    bool has_thumbnail = false;
-};
-
-exif_facts_t read_exif(const libgr::jpeginfo_t& info) {
-    exif_facts_t facts;
-    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
-    if (segment.empty()) {
-        return facts;
+std::optional<photo_header_t> read_header(const std::string& path) {
+    photo_header_t header;
+    if (load_photo_header(header, path) != header_status_t::complete || header.width == 0 || header.height == 0) {
+        return std::nullopt;
     }
-    libgr::app1_marker_t app1;
-    app1.set_app1_buffer(segment);
-    facts.has_thumbnail = app1.parse() && !app1.tiff_header.thumbnail.empty();
-    facts.orientation = picture_orientation(app1.tiff_header);
-    return facts;
-}
-
-bool read_head(libgr::jpeginfo_t& info, const std::string& path) {
-    libgr::jpegdata_t data;
-    return data.load(path.c_str()) && info.analyze_markers(data) && info.width != 0 && info.height != 0;
+    read_exif(header);
+    return header;
 }
 
 std::optional<photo_size_t> read_size(const std::string& path) {
-    libgr::jpeginfo_t info;
-    if (!read_head(info, path)) {
+    const std::optional<photo_header_t> header = read_header(path);
+    if (!header) {
         return std::nullopt;
     }
-    photo_size_t size{path, info.width, info.height, read_exif(info).orientation};
+    photo_size_t size{path, header->width, header->height, header->orientation()};
     if (swaps_sides(size.orientation)) {
         std::swap(size.width, size.height);
     }
@@ -57,8 +40,8 @@ std::optional<photo_size_t> read_size(const std::string& path) {
 // Whether the engine made the thumbnail from the picture, for want of the camera's. Such a one is not turned by the
 // Orientation that the sizes carry.
 bool has_made_thumbnail(const std::string& album, const std::string& name) {
-    libgr::jpeginfo_t info;
-    return read_head(info, original_path(album, name)) && !read_exif(info).has_thumbnail;
+    const std::optional<photo_header_t> header = read_header(original_path(album, name));
+    return header && header->thumbnail.empty();
 }
 
 }  // namespace
@@ -110,7 +93,7 @@ bool turn_photo(const std::string& album, const std::string& name, unsigned long
                              ", nothing was turned.");
             return false;
         }
-        const unsigned long turn = libgr::mixorientandrightrotatecount(0, size->orientation);
+        const unsigned long turn = quarter_turns(size->orientation);
         carried = dir == dirs.front() ? turn : carried;
         turns.push_back({size->path, (count + turn) % 4});
     }

@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "shooting_data/orientation.h"
+
 namespace taloram {
 
 // The files that show one photograph of an album, each as a browser shows it: upright where it carries an EXIF
@@ -16,7 +18,7 @@ struct photo_size_t {
     std::string path;
     uint64_t width = 0;  // pixels, as shown
     uint64_t height = 0;
-    unsigned long orientation = 1;  // EXIF Orientation (0x0112) of this very file, 1 to 8; 1 without one
+    orientation_t orientation = orientation_t::top_left;  // of this very file
 };
 
 // The readable sizes of a photograph, the smallest first. Where the album has none, its original, else its thumbnail.

@@ -4,8 +4,6 @@
 #include <new>
 #include <utility>
 
-#include "shooting_data/orientation.h"
-
 namespace taloram {
 
 namespace {
@@ -17,9 +15,9 @@ struct walk_t {
     std::ptrdiff_t down;    // to the pixel below
 };
 
-walk_t plan_walk(const libgr::image2d_t& image, unsigned long orientation, std::ptrdiff_t samples) {
-    const bool backwards = orientation == 2 || orientation == 3 || orientation == 7 || orientation == 8;
-    const bool upwards = orientation == 3 || orientation == 4 || orientation == 6 || orientation == 7;
+walk_t plan_walk(const libgr::image2d_t& image, orientation_t orientation, std::ptrdiff_t samples) {
+    const bool backwards = starts_at_right(orientation);
+    const bool upwards = starts_at_bottom(orientation);
     const libgr::image_window2d_t& window = image.window;
     // The buffer's rows lie bottom-up.
     const unsigned char* const first = image.pixel(backwards ? window.width - 1 : 0, upwards ? 0 : window.height - 1);
@@ -57,7 +55,7 @@ bool plain_pixels_t::allocate(int new_width, int new_height) {
     return rows != nullptr;
 }
 
-bool make_upright(plain_pixels_t& upright, const libgr::image2d_t& image, unsigned long orientation) {
+bool make_upright(plain_pixels_t& upright, const libgr::image2d_t& image, orientation_t orientation) {
     const libgr::image_window2d_t& window = image.window;
     const bool gray = image.desc.format == libgr::IMAGE_FORMAT_GRAYSCALE;
     const bool known = (gray || image.desc.format == libgr::IMAGE_FORMAT_RGB) &&

@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "libgr/image/image2d.h"
+#include "shooting_data/orientation.h"
 
 namespace taloram {
 
@@ -21,9 +22,9 @@ struct plain_pixels_t {
 
 constexpr uint64_t longest_surface_side = 32767;  // pixels, of a cairo surface
 
-// The picture set upright as its EXIF Orientation (1 to 8) asks. False when it is empty, longer than a surface, neither
-// 8-bit RGB nor grayscale, or memory is short.
-[[nodiscard]] bool make_upright(plain_pixels_t& upright, const libgr::image2d_t& image, unsigned long orientation);
+// The picture set upright as its orientation asks. False when it is empty, longer than a surface, neither 8-bit RGB nor
+// grayscale, or memory is short.
+[[nodiscard]] bool make_upright(plain_pixels_t& upright, const libgr::image2d_t& image, orientation_t orientation);
 
 // A surface that owns the pixels; null when they are empty.
 [[nodiscard]] Cairo::RefPtr<Cairo::ImageSurface> make_surface(plain_pixels_t pixels);

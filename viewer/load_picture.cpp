@@ -10,11 +10,10 @@
 #include <exception>
 #include <utility>
 
-#include "libgr/exif/app1_marker.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "settings/message.h"
 #include "shooting_data/exif_summary.h"
-#include "shooting_data/orientation.h"
+#include "shooting_data/photo_header.h"
 
 namespace talovue {
 
@@ -22,17 +21,6 @@ namespace {
 
 constexpr unsigned whole = 8;                // eighths
 constexpr double most_pixels = 128'000'000;  // 512 MB
-
-unsigned long orientation_of(const libgr::jpeginfo_t& info) {
-    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
-    if (segment.empty()) {
-        return 1;
-    }
-    libgr::app1_marker_t app1;
-    app1.set_app1_buffer(segment);
-    static_cast<void>(app1.parse());
-    return taloram::picture_orientation(app1.tiff_header);
-}
 
 double fitting_zoom(const loaded_picture_t& picture, const picture_request_t& request) {
     return std::min({1.0, request.width / picture.width, request.height / picture.height});
@@ -103,20 +91,22 @@ std::string load(loaded_picture_t& picture, const picture_request_t& request) {
     if (!data.load(request.path.c_str())) {
         return errno == 0 || errno == EINVAL ? taloram::getmsg(taloram::msg_not_a_photo) : std::strerror(errno);
     }
-    libgr::jpeginfo_t info;
-    if (!info.analyze_markers(data) || info.width == 0 || info.height == 0) {
+    taloram::photo_header_t header;
+    if (!taloram::read_photo_header(header, data) || header.width == 0 || header.height == 0) {
         return taloram::getmsg(taloram::msg_not_a_photo);
     }
-    const unsigned long orientation = orientation_of(info);
-    picture.width = static_cast<double>(info.width);
-    picture.height = static_cast<double>(info.height);
-    if (taloram::swaps_sides(orientation)) {
+    taloram::read_exif(header);
+    picture.width = static_cast<double>(header.width);
+    picture.height = static_cast<double>(header.height);
+    if (taloram::swaps_sides(header.orientation())) {
         std::swap(picture.width, picture.height);
     }
     const double fitting = fitting_zoom(picture, request);
+    libgr::jpeginfo_t info;
     libgr::image2d_t image;
     const unsigned eighths = wanted_eighths(picture, request.zoom > 0 ? request.zoom : fitting);
-    if (!info.decompress_scaled(image, data, eighths) || !taloram::make_upright(picture.pixels, image, orientation)) {
+    if (!info.decompress_scaled(image, data, eighths) ||
+        !taloram::make_upright(picture.pixels, image, header.orientation())) {
         return taloram::getmsg(data.is_intact() ? taloram::msg_photo_too_much : taloram::msg_not_a_photo);
     }
     image.clear();

@@ -1,0 +1,51 @@
+#include "shooting_data/photo_header.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "libgr/exif/app1_marker.h"
+
+namespace taloram {
+
+libutils::bytes_t photo_header_t::app1() const {
+    const auto found = std::find_if(segments.begin(), segments.end(),
+                                    [](const auto& segment) { return segment.marker == (libgr::marker_APP1 & 0xFF); });
+    return found == segments.end() ? libutils::bytes_t() : found->data;
+}
+
+header_status_t load_photo_header(photo_header_t& header, const std::string& path) {
+    libgr::jpegdata_t data;
+    if (!data.load(path.c_str())) {
+        return header_status_t::not_loaded;
+    }
+    return read_photo_header(header, data) ? header_status_t::complete : header_status_t::not_read;
+}
+
+bool read_photo_header(photo_header_t& header, libgr::jpegdata_t& data) {
+    header = {};
+    libgr::jpeginfo_t info;
+    if (!info.analyze_markers(data)) {
+        return false;
+    }
+    header.width = info.width;
+    header.height = info.height;
+    header.segments = std::move(info.markers);
+    return true;
+}
+
+void read_exif(photo_header_t& header) {
+    const libutils::bytes_t segment = header.app1();
+    if (segment.empty()) {
+        return;
+    }
+    libgr::app1_marker_t app1;
+    app1.set_app1_buffer(segment);
+    if (app1.parse()) {
+        header.thumbnail = app1.tiff_header.thumbnail;
+    }
+    if (const auto& values = app1.tiff_header.tag_0th_ifd.orientation; !values.empty()) {
+        header.orientation_value = values.front();
+    }
+}
+
+}  // namespace taloram
