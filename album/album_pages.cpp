@@ -139,7 +139,7 @@ bool write_photo(std::ostream& out, const std::string& album, const page_photo_t
     write_photo_comment(out, album, photo.name);
     out << "\t<br clear=all>\n";
     // A photograph without shooting data has no summary.
-    static_cast<void>(writeexif(out, album, layout::original, photo.name, true));
+    static_cast<void>(write_summary(out, original_path(album, photo.name), true));
     out << "\t<p>\n\n";
     return true;
 }

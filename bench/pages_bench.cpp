@@ -59,7 +59,7 @@ void run(benchmark::State& state, int64_t photographs_a_step, const Step& step) 
 void summary(benchmark::State& state) {
     run(state, 1, [](const std::string& album) {
         std::ostringstream text;
-        return writeexif(text, album, layout::original, "P1000.jpg", true);
+        return write_summary(text, original_path(album, "P1000.jpg"), true);
     });
 }
 BENCHMARK(summary);

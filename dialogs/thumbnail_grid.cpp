@@ -60,7 +60,7 @@ Glib::ustring photo_comment(const std::string& album, const std::string& name) {
 }
 
 Glib::ustring photo_summary(const std::string& album, const std::string& name) {
-    return to_toolkit(plain_summary(album, layout::original, name));
+    return to_toolkit(plain_summary(original_path(album, name)));
 }
 
 thumbnail_grid_t::cell_t::cell_t() : box(false, 2) {

@@ -250,8 +250,7 @@ class runner_t {
         for (const std::string& photo : command.photos) {
             // A stream of its own: the number format that one summary leaves behind must not reach the next.
             std::ostringstream summary;
-            const bool good = writeexif(summary, "", libutils::directory_of_file(photo),
-                                        libutils::last_component(photo), command.html);
+            const bool good = write_summary(summary, photo, command.html);
             std::cout << photo << '\n' << summary.str() << std::endl;
             if (!good) {
                 libutils::report(photo, ": no EXIF summary.");

@@ -63,12 +63,6 @@ bool scale_down(taloram::plain_pixels_t& pixels, int width, int height) {
     return true;
 }
 
-std::string shooting_data(const std::string& path) {
-    const size_t slash = path.rfind('/');
-    return slash == std::string::npos ? taloram::plain_summary("", ".", path)
-                                      : taloram::plain_summary("", path.substr(0, slash), path.substr(slash + 1));
-}
-
 // "" when the file can be opened without a wait: no pipe, no device.
 std::string reason_not_to_open(const std::string& path, uint64_t& bytes) {
     struct stat status {};
@@ -117,7 +111,7 @@ std::string load(loaded_picture_t& picture, const picture_request_t& request) {
     if (!scale_down(picture.pixels, fitted(picture.width), fitted(picture.height))) {
         return taloram::getmsg(taloram::msg_photo_too_much);
     }
-    picture.summary = shooting_data(request.path);
+    picture.summary = taloram::plain_summary(request.path);
     return "";
 }
 

@@ -1,6 +1,7 @@
 #include "libgr/exif/tiff_header.h"
 
 #include "libgr/exif/ifd_fields.h"
+#include "libgr/exif/makers.h"
 #include "libutils/diagnostics.h"
 
 namespace libgr {
@@ -128,6 +129,12 @@ bool tiff_header_t::read_gps_ifd() {
     return parse_gps_ifd(ifd_gps);
 }
 
+bool tiff_header_t::read_maker_note() {
+    bytes_t note = tag_exif_ifd.maker_note;
+    const maker_t* const maker = note.empty() ? nullptr : find_maker(*this);
+    return maker == nullptr || maker->read_note(*this, note);
+}
+
 void tiff_header_t::read_1st_ifd(uint64_t link) {
     const libutils::byte_reader tiff(*this, order());
     const uint64_t start = tiff.u32(link).value_or(0);
@@ -204,7 +211,6 @@ void tiff_header_t::clear_records() {
     tag_olympus3_camerasettings_ifd.clear();
     tag_olympus3_focusinfo_ifd.clear();
     tag_pentax5_ifd.clear();
-    has_olympus3_layout = false;
 }
 
 }  // namespace libgr

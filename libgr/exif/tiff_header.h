@@ -30,9 +30,6 @@ class tiff_header_t : public libutils::bytes_t {
     ExifType::tag_olympus3_camerasettings_ifd tag_olympus3_camerasettings_ifd;
     ExifType::tag_olympus3_focusinfo_ifd tag_olympus3_focusinfo_ifd;
     ExifType::tag_pentax5_ifd tag_pentax5_ifd;
-    // True when the maker note has the layout of newer Olympus cameras ("OLYMPUS" NUL and a byte-order mark), whose
-    // values stand in the tag_olympus3_ records.
-    bool has_olympus3_layout = false;
 
     void set_tiff_buffer(const bytes_t& tiff);
 
@@ -54,6 +51,7 @@ class tiff_header_t : public libutils::bytes_t {
     [[nodiscard]] bool parse_olympus3_focusinfo_ifd(bytes_t& ifd, bytes_t& makernote);
     [[nodiscard]] bool parse_pentax5_ifd(bytes_t& ifd, bytes_t& makernote);
 
+    [[nodiscard]] const libutils::byteorder& order() const;  // little-endian before parse()
     [[nodiscard]] bool is_intel() const;
     [[nodiscard]] bool is_motorola() const;
     void byteorderclear();
@@ -62,7 +60,6 @@ class tiff_header_t : public libutils::bytes_t {
     void clear() override;
 
   private:
-    [[nodiscard]] const libutils::byteorder& order() const;  // little-endian before parse()
     [[nodiscard]] bool read_byteorder_mark();
     void clear_records();
 
@@ -70,7 +67,6 @@ class tiff_header_t : public libutils::bytes_t {
     [[nodiscard]] bool read_exif_ifd();
     [[nodiscard]] bool read_gps_ifd();
     [[nodiscard]] bool read_maker_note();
-    [[nodiscard]] bool read_olympus_note();  // the older layout
 
     // Follows the link at `link` to IFD1, where the thumbnail stands.
     void read_1st_ifd(uint64_t link);

@@ -1,13 +1,49 @@
+#include "libgr/exif/makers/om_system.h"
+
 #include <map>
 #include <optional>
 
 #include "libgr/exif/ifd_fields.h"
-#include "libgr/exif/maker_note.h"
-#include "libgr/exif/tiff_header.h"
+#include "libgr/exif/makers/olympus.h"
+#include "libutils/text.h"
 
 namespace libgr {
 
+using namespace std::string_view_literals;
+using libutils::begins_with_nocase;
+
+constexpr desc_t olym3whitebal[] = {
+    {0x0, "Auto WB"},
+    {0x1, "Auto (Keep Warm Color Off)"},
+    {0x10, "7500K"},
+    {0x11, "6000K"},
+    {0x12, "5300K"},
+    {0x14, "3000K"},
+    {0x15, "3600K"},
+    {0x16, "Auto Setup"},
+    {0x17, "5500K"},
+    {0x21, "6600K"},
+    {0x22, "4500K"},
+    {0x23, "4000K"},
+    {0x24, "White Fluorescent"},
+    {0x30, "3600K"},
+    {0x43, "Underwater"},
+    {0x100, "One Touch WB 1"},
+    {0x101, "One Touch WB 2"},
+    {0x102, "One Touch WB 3"},
+    {0x103, "One Touch WB 4"},
+    {0x200, "Custom WB 1"},
+    {0x201, "Custom WB 2"},
+    {0x202, "Custom WB 3"},
+    {0x203, "Custom WB 4"},
+    {ULONG_MAX, "Unknown"},
+};
+
 namespace {
+
+// Lengths of the headers in front of the main directory.
+constexpr uint64_t om_system_header_size = 16;
+constexpr uint64_t newer_olympus_header_size = 12;  // "OLYMPUS" NUL, byte order of the note, two more bytes
 
 using equipment_t = ExifType::tag_olympus3_equipment_ifd;
 constexpr ifd_field_t<equipment_t> equipment_fields[] = {
@@ -48,7 +84,69 @@ std::optional<uint32_t> sub_ifd_offset(const ifd_entry_t& entry, const libutils:
     return libutils::byte_reader(entry.value, order).u32(0);
 }
 
+bool is_newer_olympus_note(const libutils::bytes_t& note) {
+    return note_begins_with(note, "OLYMPUS\0II"sv) || note_begins_with(note, "OLYMPUS\0MM"sv);
+}
+
+// The one that a newer Olympus note names itself, else that of the file.
+const libutils::byteorder& note_order(const libutils::bytes_t& note, const libutils::byteorder& file) {
+    static const libutils::intel_byteorder intel;
+    static const libutils::motorola_byteorder motorola;
+    if (!is_newer_olympus_note(note)) {
+        return file;
+    }
+    if (note_begins_with(note, "OLYMPUS\0II"sv)) {
+        return intel;
+    }
+    return motorola;
+}
+
+bool is_om_system(const tiff_header_t& tiff) {
+    return begins_with_nocase(tiff.tag_0th_ifd.make, "OM Digital");
+}
+
+bool read_om_system_note(tiff_header_t& tiff, libutils::bytes_t& note) {
+    if (!begins_with_nocase(tiff.tag_0th_ifd.make, "OM Digital Solutions") || !note_begins_with(note, "OM SYSTEM")) {
+        return true;
+    }
+    auto ifd = note_directory(note, om_system_header_size, tiff.order());
+    return ifd && tiff.parse_olympus3_ifd(*ifd, note);
+}
+
+bool is_newer_olympus(const tiff_header_t& tiff) {
+    return begins_with_nocase(tiff.tag_0th_ifd.make, "OLYMPUS") && is_newer_olympus_note(tiff.tag_exif_ifd.maker_note);
+}
+
+bool read_newer_olympus_note(tiff_header_t& tiff, libutils::bytes_t& note) {
+    libutils::bytes_t ifd = note.subview(newer_olympus_header_size);
+    return tiff.parse_olympus3_ifd(ifd, note);
+}
+
+std::string focus(const tiff_header_t& tiff) {
+    const focusinfo_t& note = tiff.tag_olympus3_focusinfo_ifd;
+    if (note.auto_focus.empty()) {
+        return "";
+    }
+    return focusmode[note.auto_focus.front() != 0 ? 0 : 1] + focus_position(note.focus_step_count);
+}
+
+std::string white_balance(const tiff_header_t& tiff) {
+    const auto& balance = tiff.tag_olympus3_camerasettings_ifd.white_balance2;
+    return balance.empty() ? "" : search_desc(olym3whitebal, balance.front());
+}
+
+std::string live_composite(const tiff_header_t& tiff) {
+    const auto& stacked = tiff.tag_olympus3_camerasettings_ifd.stacked_image;
+    if (stacked.empty() || stacked.front() != 1) {
+        return "";
+    }
+    return "LiveComp " + (stacked.size() > 1 ? std::to_string(stacked[1]) : "") + " frames";
+}
+
 }  // namespace
+
+constexpr maker_t om_system_maker = {is_om_system, read_om_system_note, focus, white_balance, nullptr, live_composite};
+constexpr maker_t newer_olympus_maker = {is_newer_olympus, read_newer_olympus_note, focus, white_balance};
 
 bool tiff_header_t::parse_olympus3_ifd(bytes_t& ifd, bytes_t& makernote) {
     const libutils::byteorder& order_of_note = note_order(makernote, order());
