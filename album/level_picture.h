@@ -5,7 +5,7 @@
 
 #include "libgr/image/image2d.h"
 #include "libgr/jpeg/jpeginfo.h"
-#include "libgr/jpeg/reduction.h"
+#include "libgr/pyramid/reduction.h"
 
 namespace taloram {
 

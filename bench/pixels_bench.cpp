@@ -5,7 +5,7 @@
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/lossless_turn.h"
-#include "libgr/jpeg/reduction.h"
+#include "libgr/pyramid/reduction.h"
 #include "tests/support/photo_maker.h"
 
 // What is done to the pixels of one photograph. Rates are pixels of the photograph a second.

@@ -82,10 +82,7 @@ void decode_rows(decompressor_t& reader, const rows_t& rows, int wanted_scans, o
 }
 
 void open_file(decompressor_t& reader, unsigned eighths) {
-    reader.create();
-    reader.keep_segments(0xFFFF);
-    reader.read_header();
-    reader.refuse_oversized();
+    reader.open();
     reader.info.scale_num = eighths;
     reader.info.scale_denom = 8;
     jpeg_calc_output_dimensions(&reader.info);
@@ -128,8 +125,7 @@ bool jpeginfo_t::decompress_scaled(image2d_t& img, jpegdata_t& d, unsigned eight
         return false;
     }
     for (const auto* saved = info.marker_list; saved != nullptr; saved = saved->next) {
-        const bool whole = saved->data_length != 0 && saved->data_length == saved->original_length;
-        if (whole && !append_segment(markers, *saved)) {
+        if (is_carried_over(*saved) && !append_segment(markers, *saved)) {
             return false;
         }
     }

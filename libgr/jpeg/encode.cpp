@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <array>
 
+#include "libgr/jpeg/encoding.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/libjpeg_bridge.h"
 #include "libgr/jpeg/pixel_layout.h"
@@ -29,12 +30,8 @@ void write_file(compressor_t& writer, const image2d_t& img, const jpeg_info_desc
                 const std::list<jpeginfo_t::marker_t>& segments, int quality, bool force_baseline) {
     writer.create();
     jpeg_compress_struct& info = writer.info;
-    info.image_width = img.window.width;
-    info.image_height = img.window.height;
-    info.in_color_space = layout.color_space;
-    info.input_components = layout.components;
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, std::clamp(quality, 0, 100), force_baseline ? TRUE : FALSE);
+    set_up_encoder(
+        info, {img.window.width, img.window.height, layout.color_space, layout.components, quality, force_baseline});
     jpeg_start_compress(&info, TRUE);
     for (const jpeginfo_t::marker_t& segment : segments) {
         jpeg_write_marker(&info, segment.marker, segment.data.begin(), static_cast<unsigned>(segment.data.size()));
@@ -44,6 +41,15 @@ void write_file(compressor_t& writer, const image2d_t& img, const jpeg_info_desc
 }
 
 }  // namespace
+
+void set_up_encoder(jpeg_compress_struct& info, const encoding_t& encoding) {
+    info.image_width = encoding.width;
+    info.image_height = encoding.height;
+    info.in_color_space = encoding.color_space;
+    info.input_components = encoding.components;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, std::clamp(encoding.quality, 0, 100), encoding.force_baseline ? TRUE : FALSE);
+}
 
 bool jpeginfo_t::compress(jpegdata_t& out, const image2d_t& img, int quality, bool force_baseline) {
     out.clear();

@@ -302,6 +302,13 @@ void decompressor_t::refuse_oversized() {
     }
 }
 
+void decompressor_t::open() {
+    create();
+    keep_segments(0xFFFF);
+    read_header();
+    refuse_oversized();
+}
+
 bool decompressor_t::ran_out() const {
     return info.src != nullptr && static_cast<const source_manager_t*>(info.src)->presentations > 1;
 }

@@ -77,6 +77,8 @@ class decompressor_t {
     void read_header();
     // Fatal error when the header asks for far more work than the file's few bytes can be worth. Behind read_header().
     void refuse_oversized();
+    // All of these, for a picture that will be decoded.
+    void open();
 
     // Takes the memory for a picture's pixels off what libjpeg may take for its coefficients. False when they ask for
     // too much: for more than a large part of the machine's memory or than what is left of it.

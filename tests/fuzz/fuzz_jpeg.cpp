@@ -1,7 +1,7 @@
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/lossless_turn.h"
-#include "libgr/jpeg/reduction.h"
+#include "libgr/pyramid/reduction.h"
 #include "tests/fuzz/fuzz_target.h"
 
 using namespace libgr;

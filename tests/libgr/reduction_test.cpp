@@ -1,4 +1,4 @@
-#include "libgr/jpeg/reduction.h"
+#include "libgr/pyramid/reduction.h"
 
 #include <gtest/gtest.h>
 

@@ -1,55 +1,18 @@
-#include "libgr/jpeg/reduction.h"
+#include "libgr/pyramid/row_sources.h"
 
 #include <algorithm>
-#include <array>
 
 #include "libgr/image/halve_rows.h"
 #include "libgr/image/round_up.h"
-#include "libgr/jpeg/reduced_level.h"
-#include "libgr/jpeg/ycc_rows.h"
+#include "libgr/pyramid/ycc_rows.h"
 
 namespace libgr {
 
 namespace {
 
-// A picture's sides have 16 bits, which 16 halvings use up (ITU-T T.81 B.2.2).
-constexpr size_t max_levels = 16;
-constexpr size_t row_alignment = 64;
+constexpr size_t row_alignment = 64;  // a cache line, and the widest vectors
 
-// Takes the picture from the decompressor and hands halved rows to the first level. One of the two below.
-//
-// The decompressor's planes before upsampling: upsampling, colours and halving then are one pass while the rows lie in
-// the processor's cache.
-class planes_source_t {
-  public:
-    // True for layouts that ycc_rows.h knows, large enough that libjpeg upsamples them so.
-    [[nodiscard]] static bool fits(const jpeg_decompress_struct& info);
-
-    [[nodiscard]] bool prepare(const jpeg_decompress_struct& info);
-    void read(decompressor_t& reader, reduced_level_t& level);
-
-  private:
-    static constexpr JDIMENSION max_imcu_rows = 2 * DCTSIZE;
-
-    struct chroma_t {
-        std::array<JSAMPROW, 2 * DCTSIZE> rows{};  // two iMCU rows
-        std::array<int16_t*, 2> upsampled{};       // of the two picture rows in work
-    };
-
-    void halve_rows_up_to(JDIMENSION end, JDIMENSION height, reduced_level_t& level);
-    void upsample(chroma_t& chroma, JDIMENSION y, unsigned which) const;
-
-    bool halved_height_ = false;  // 4:2:0, else 4:2:2
-    JDIMENSION imcu_rows_ = 0;    // pixel rows
-    JDIMENSION chroma_width_ = 0;
-    JDIMENSION chroma_height_ = 0;
-    JDIMENSION next_row_ = 0;  // upper of the next pair
-
-    libutils::bytes_t memory_;
-    std::array<JSAMPROW, 2 * max_imcu_rows> y_{};  // two iMCU rows
-    chroma_t cb_;
-    chroma_t cr_;
-};
+}  // namespace
 
 bool planes_source_t::fits(const jpeg_decompress_struct& info) {
 #ifdef LIBJPEG_TURBO_VERSION
@@ -143,23 +106,11 @@ void planes_source_t::upsample(chroma_t& chroma, JDIMENSION y, unsigned which) c
     sum_chroma_rows(chroma.upsampled[which], row(nearer), row(y % 2 == 0 ? above : below), chroma_width_);
 }
 
-// The decompressor's finished rows, of every other layout.
-class rows_source_t {
-  public:
-    [[nodiscard]] bool prepare(const jpeg_decompress_struct& info) {
-        gray_ = info.num_components == 1;
-        stride_ = round_up(size_t{info.image_width} * (gray_ ? 1 : 3), row_alignment);
-        return memory_.resize(2 * stride_);
-    }
-    void read(decompressor_t& reader, reduced_level_t& level);
-
-  private:
-    void halve(reduced_level_t& level);
-
-    bool gray_ = false;
-    size_t stride_ = 0;
-    libutils::bytes_t memory_;  // two rows
-};
+bool rows_source_t::prepare(const jpeg_decompress_struct& info) {
+    gray_ = info.num_components == 1;
+    stride_ = round_up(size_t{info.image_width} * (gray_ ? 1 : 3), row_alignment);
+    return memory_.resize(2 * stride_);
+}
 
 void rows_source_t::read(decompressor_t& reader, reduced_level_t& level) {
     jpeg_decompress_struct& info = reader.info;
@@ -191,87 +142,6 @@ void rows_source_t::halve(reduced_level_t& level) {
         halve_rgb_rows(to.data(), row0, row1, level.width());
     }
     level.take_row();
-}
-
-// The cascade.
-class levels_t {
-  public:
-    [[nodiscard]] bool prepare(reduction_t& reduction, decompressor_t& reader);
-    void run(const reduction_t& reduction, decompressor_t& reader);
-
-    [[nodiscard]] bool prepare_source(const jpeg_decompress_struct& info) {
-        from_planes_ = planes_source_t::fits(info);
-        return from_planes_ ? planes_.prepare(info) : rows_.prepare(info);
-    }
-
-  private:
-    size_t count_ = 0;
-    std::array<reduced_level_t, max_levels> levels_;
-    bool from_planes_ = false;
-    planes_source_t planes_;
-    rows_source_t rows_;
-};
-
-// The number of the lowest wanted level, from 1; 0 when there is none.
-size_t lowest_wanted(const reduction_t& reduction) {
-    const auto last = std::find_if(reduction.levels.rbegin(), reduction.levels.rend(),
-                                   [](const reduction_t::level_t& level) { return level.wanted; });
-    return static_cast<size_t>(reduction.levels.rend() - last);
-}
-
-bool levels_t::prepare(reduction_t& reduction, decompressor_t& reader) {
-    const jpeg_decompress_struct& info = reader.info;
-    const bool color = info.num_components == 3 && info.out_color_space == JCS_RGB;
-    const bool gray = info.num_components == 1 && info.out_color_space == JCS_GRAYSCALE;
-    count_ = lowest_wanted(reduction);
-    if (!(color || gray) || count_ == 0 || count_ > max_levels ||
-        std::min(info.image_width, info.image_height) >> count_ == 0) {
-        return false;
-    }
-    for (size_t i = 0; i < count_; ++i) {
-        reduced_level_t* const next = i + 1 < count_ ? &levels_[i + 1] : nullptr;
-        if (!levels_[i].prepare(info.image_width >> (i + 1), info.image_height >> (i + 1), color ? 3 : 1, next)) {
-            return false;
-        }
-        if (reduction.levels[i].wanted) {
-            reduction.levels[i].stream.clear();
-            levels_[i].encode_into(reduction.levels[i].stream, reader);
-        }
-    }
-    return prepare_source(info);
-}
-
-void levels_t::run(const reduction_t& reduction, decompressor_t& reader) {
-    for (size_t i = 0; i < count_; ++i) {
-        if (levels_[i].is_encoded()) {
-            levels_[i].start(reduction.quality, reduction.levels[i].with_segments ? reader.info.marker_list : nullptr);
-        }
-    }
-    if (from_planes_) {
-        planes_.read(reader, levels_[0]);
-    } else {
-        rows_.read(reader, levels_[0]);
-    }
-    for (size_t i = 0; i < count_ && reader.warnings() == 0; ++i) {
-        if (levels_[i].is_encoded()) {
-            levels_[i].finish();
-        }
-    }
-}
-
-}  // namespace
-
-bool reduce(reduction_t& reduction, const jpegdata_t& source) {
-    decompressor_t reader(source);
-    reader.silence();
-    levels_t levels;
-    return reader.attempt([&] {
-        reader.create();
-        reader.keep_segments(0xFFFF);
-        reader.read_header();
-        reader.refuse_oversized();
-    }) && levels.prepare(reduction, reader) &&
-           reader.attempt([&] { levels.run(reduction, reader); }) && reader.warnings() == 0;
 }
 
 }  // namespace libgr

@@ -1,10 +1,10 @@
-#include "libgr/jpeg/ycc_rows.h"
+#include "libgr/pyramid/ycc_rows.h"
 
 #include <algorithm>
 
 // Compiled once for every kind of vectors; the running processor decides which is called.
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "libgr/jpeg/ycc_rows.cpp"
+#define HWY_TARGET_INCLUDE "libgr/pyramid/ycc_rows.cpp"
 #include <hwy/foreach_target.h>
 // It needs foreach_target.h before it.
 #include <hwy/highway.h>

@@ -1,11 +1,13 @@
-#include "libgr/jpeg/reduced_level.h"
+#include "libgr/pyramid/reduced_level.h"
 
 #include <algorithm>
 #include <cstring>
 
 #include "libgr/image/halve_rows.h"
 #include "libgr/image/round_up.h"
-#include "libgr/jpeg/ycc_rows.h"
+#include "libgr/jpeg/encoding.h"
+#include "libgr/jpeg/saved_segments.h"
+#include "libgr/pyramid/ycc_rows.h"
 
 namespace libgr {
 
@@ -46,16 +48,12 @@ bool reduced_level_t::prepare(JDIMENSION width, JDIMENSION height, unsigned comp
 void reduced_level_t::start(int quality, const jpeg_marker_struct* segments) {
     writer_->create();
     jpeg_compress_struct& info = writer_->info;
-    info.image_width = width_;
-    info.image_height = height_;
-    info.in_color_space = components_ == 1 ? JCS_GRAYSCALE : JCS_RGB;
-    info.input_components = static_cast<int>(components_);
-    jpeg_set_defaults(&info);
-    jpeg_set_quality(&info, std::clamp(quality, 0, 100), TRUE);
+    set_up_encoder(info, {width_, height_, components_ == 1 ? JCS_GRAYSCALE : JCS_RGB, static_cast<int>(components_),
+                          quality, true});
     info.raw_data_in = TRUE;
     jpeg_start_compress(&info, TRUE);
     for (; segments != nullptr; segments = segments->next) {
-        if (segments->data_length != 0 && segments->data_length == segments->original_length) {
+        if (is_carried_over(*segments)) {
             jpeg_write_marker(&info, segments->marker, segments->data, segments->data_length);
         }
     }
