@@ -14,30 +14,100 @@ sizes=(--shrink-size 160,120 --progress never)
 import=("$bin/talomake" album "${sizes[@]}" "$card" "$album")
 update=("$bin/talomake" update "${sizes[@]}" "$album")
 
-# A directory whose listing breaks off, the status, and the command; the album stays as it was, or stays away.
+# A directory whose listing breaks off, the status, and the command; the album stays as it was, or stays away. What has
+# lost an original would be pruned.
 break_listings_off() {
     local part status command
     while read -r part status command; do
         local -n words=$command
         rm -rf "$album"
-        [ "$command" = import ] || cp -a "$reference" "$album"
+        [ "$command" = import ] || cp -a "$place/verified" "$album"
         ends_with "$status" failing "readdir:EIO:4:$part" "${words[@]}"
         [ -s "$place/errors" ] || fail "no line on standard error: $part"
         if [ "$command" = import ]; then
             [ ! -e "$album" ] || fail "something was imported from half a listing"
         else
-            is_same "$reference" "$album"
+            is_same "$place/verified" "$album"
         fi
     done <<'EOL'
 /card 2 import
 /album/original 1 update
 /album/original 1 prune
+/album/size1 1 prune
+/album/thumb 1 prune
+/album/html 1 prune
+/album/original 1 verify
+/album/movie 1 verify
 EOL
     echo "listings that break off"
+}
+
+# Calls that fail for an import over an album of other photographs: their files and all that was made of them stay.
+fail_copies() {
+    local calls
+    for calls in close:EDQUOT:0:/album/original write:EIO:0:/album/original rename:EIO:0:/album/original \
+        linkat:EIO:0:/album/original; do
+        rm -rf "$album"
+        cp -a "$place/other" "$album"
+        ends_with 1 failing "$calls" "${import[@]}" --replace IMG_0001.JPG
+        check grep -qx "$album/original/IMG_0001.JPG: file copy failed." "$place/errors"
+        is_same "$place/other" "$album"
+    done
+    # A date that can't be set costs no line when the file can be replaced.
+    rm -rf "$album"
+    cp -a "$reference" "$album"
+    touch -d "2001-01-01" "$album/movie/MVI_9999.MOV"
+    ends_with 0 failing utimensat:EPERM:0:/album/movie "${import[@]}"
+    check cmp "$place/errors" /dev/null
+    check [ "$(stat -c %Y "$album/movie/MVI_9999.MOV")" = "$(stat -c %Y "$card/MVI_9999.MOV")" ]
+    is_same "$reference" "$album"
+    echo "copies that fail"
+}
+
+# What can't be removed is named.
+fail_removals() {
+    local part
+    for part in /album/size1/IMG_0002 /album/html/IMG_0002; do
+        rm -rf "$album"
+        cp -a "$place/verified" "$album"
+        ends_with 1 failing "unlink:EIO:0:$part" "${prune[@]}"
+        check grep -q "$part.*: can't be removed, Input/output error" "$place/errors"
+        [ ! -e "$album/thumb/IMG_0002.JPG" ] || fail "the others were not removed: $part"
+    done
+    echo "removals that fail"
+}
+
+# What a verified import reads back comes from the disk, where it was brought before, and so are the names in the end.
+note_flushes() {
+    local file directory
+    rm -rf "$album"
+    ends_with 0 failing "fsync:NOTE:0:/album;posix_fadvise:NOTE:0:/album" "${import[@]}" --verify
+    for file in original/IMG_000{1,2,3,4}.JPG movie/MVI_9999.MOV; do
+        check grep -qx "fsync $album/$file" "$place/errors"
+        sed "1,\\|^fsync $album/$file\$|d" "$place/errors" | grep -qx "posix_fadvise $album/$file" ||
+            fail "not read from the disk: $file"
+    done
+    for directory in "$album"{,/original,/movie,/txt}; do
+        tac "$place/errors" | sed "/^posix_fadvise/,\$d" | grep -Eqx "fsync $directory(/\.)?" || fail "not flushed last: $directory"
+    done
+    ends_with 0 failing "posix_fadvise:NOTE:0:/album" "$bin/talomake" verify "$album"
+    check [ "$(grep -c ^posix_fadvise "$place/errors")" -eq 5 ]
+    echo "verified copies"
 }
 
 "$bin/make_samples" "$card" 4
 ends_with 0 "${import[@]}"
 mv "$album" "$reference"
+"$bin/make_samples" "$place/other-card" 4 1000
+ends_with 0 "$bin/talomake" album "${sizes[@]}" --title "$(head -n 1 "$reference/txt/head.txt" | tr -d '\r')" \
+    "$place/other-card" "$album"
+mv "$album" "$place/other"
+ends_with 0 "${import[@]}" --verify
+mv "$album" "$place/verified"
+rm "$place/verified/original/IMG_0002.JPG"
 prune=("${update[@]}" --prune)
+verify=("$bin/talomake" verify "$album")
 break_listings_off
+fail_copies
+fail_removals
+note_flushes

@@ -148,7 +148,7 @@ take_rights() {
     done <<'EOL'
 card a-r import 2 talomake: PLACE/card: can't be read.
 card/IMG_0001.JPG a-r import 1 PLACE/album/original/IMG_0001.JPG: file copy failed.
-album a-w import 1 PLACE/album/txt/head.txt: file
+album a-w import 1 PLACE/album/index.html: open error, Permission denied
 album/txt a-w import 1 PLACE/album/txt/head.txt: file
 album/txt/head.txt a-r import 1 PLACE/album/txt/head.txt: file open failed, Permission denied
 album/txt/last.txt a-r import 1 PLACE/album/txt/last.txt: file open failed, Permission denied

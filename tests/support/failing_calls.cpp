@@ -7,6 +7,8 @@
 //   two FAILING_CALLS='close:EDQUOT:0:/original/'  every close of a file in original/ fails; the file is closed all the
 //   same FAILING_CALLS='flock:EOPNOTSUPP:0:'        no file system has locks
 //
+// With NOTE for the error they go on, and a line "<call> <path>" on standard error tells of each.
+//
 // From the call behind those that succeed on, every call on a path that holds the part fails; each rule counts for
 // itself, and each process goes on counting from where its parent was. The path is the one that a call is given, or
 // what its descriptor is open on: for a file without a name "<directory>/#<number> (deleted)". Of two paths, as of
@@ -38,7 +40,12 @@ struct rule_t {
     std::string part;
 };
 
+constexpr int noted = -1;
+
 int number_of(const std::string& name) {
+    if (name == "NOTE") {
+        return noted;
+    }
     for (int error = 1; error < 200; ++error) {
         const char* const known = strerrorname_np(error);
         if (known != nullptr && name == known) {
@@ -75,9 +82,16 @@ int fault(std::string_view call, std::string_view path, std::string_view other =
     for (rule_t& rule : rules) {
         const bool is_meant = path.find(rule.part) != std::string_view::npos ||
                               (!other.empty() && other.find(rule.part) != std::string_view::npos);
-        if (rule.call == call && is_meant && rule.succeeding-- <= 0) {
+        if (rule.call != call || !is_meant || rule.succeeding-- > 0) {
+            continue;
+        }
+        if (rule.error != noted) {
             return rule.error;
         }
+        const int before = errno;
+        dprintf(STDERR_FILENO, "%.*s %.*s\n", static_cast<int>(call.size()), call.data(), static_cast<int>(path.size()),
+                path.data());
+        errno = before;
     }
     return 0;
 }
@@ -135,6 +149,12 @@ int close(int descriptor) {
 int fsync(int descriptor) {
     static auto* const real = next<int(int)>("fsync");
     return unless_fault(fault("fsync", path_of(descriptor)), -1, [&] { return real(descriptor); });
+}
+
+int posix_fadvise(int descriptor, off_t offset, off_t length, int advice) {
+    static auto* const real = next<int(int, off_t, off_t, int)>("posix_fadvise");
+    const int error = fault("posix_fadvise", path_of(descriptor));
+    return error != 0 ? error : real(descriptor, offset, length, advice);
 }
 
 int flock(int descriptor, int operation) noexcept {
