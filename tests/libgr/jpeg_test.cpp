@@ -138,6 +138,9 @@ TEST(Jpeg, DecodesOnAfterADamagedRestartInterval) {
                     blob_t file = whole;
                     const auto at = file.begin() + static_cast<long>(data + (file.size() - 60 - data) * eighth / 7);
                     std::copy(hole.begin(), hole.end(), at);
+                    if (hole == end && eighth % 2 != 0) {
+                        file.erase(at, file.end());  // the data is over there, too
+                    }
                     jpegdata_t photo = in_memory(file), copy;
                     jpeginfo_t info;
                     image2d_t image;
@@ -146,6 +149,7 @@ TEST(Jpeg, DecodesOnAfterADamagedRestartInterval) {
                     EXPECT_EQ(info.damaged, !messages.empty()) << messages;
                     const blob_t found = top_down(image), wanted = decode(file).bytes;
                     const bool over = messages.find("decompress fail") != std::string::npos;
+                    EXPECT_TRUE(over || hole != end) << messages;
                     if (!progressive && over) {
                         EXPECT_TRUE(interval == 0 || hole == end || eighth == 7) << "nothing after it";
                         const auto wrong = std::mismatch(found.begin(), found.end(), wanted.begin()).first;
