@@ -1,5 +1,6 @@
 #include "tools/commands.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -99,17 +100,24 @@ bool save_comments(const album_command_t& command, const album_job_t& job) {
                      "savecommenttxt");
 }
 
-// A line for each file of the album that the import would replace by another one.
+// A line for each file of the album that the import would replace by another one, or whose noted sum it would change.
 bool replaces_nothing(const album_job_t& job) {
-    const std::vector<std::string> conflicts = find_conflicts(job.from, job.files, job.album);
+    std::vector<std::string> conflicts = find_conflicts(job.from, job.files, job.album);
     for (const std::string& path : conflicts) {
         libutils::report(libutils::one_line(path), ": there already, with other contents.");
     }
+    const auto add_once = [&](const std::string& path, const std::string& what) {
+        if (std::find(conflicts.begin(), conflicts.end(), path) == conflicts.end()) {
+            conflicts.push_back(path);
+            libutils::report(libutils::one_line(path), ": ", what);
+        }
+    };
+    const bool keeps = keeps_sums(job.from, job.files, job.album, add_once);
     if (!conflicts.empty()) {
         libutils::report("talomake: nothing was imported. Files that differ: ", conflicts.size(),
                          "; --replace replaces them.");
     }
-    return conflicts.empty();
+    return conflicts.empty() && keeps;
 }
 
 void report_failed(const album_job_t& job, const std::vector<std::string>& left_out) {

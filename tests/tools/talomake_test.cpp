@@ -171,6 +171,16 @@ TEST_F(talomake, replaces_nothing_silently) {
     EXPECT_EQ(run("talomake album card new --replace && cmp card/a.jpg new/original/a.jpg").status, 0);
     EXPECT_EQ(run("talomake album new/original new a.jpg && talomake album card new").status, 0);
 
+    // A copy of the damaged original is what the album has, and not what was imported.
+    const result_t damaged =
+        run("talomake album card v --verify; cp v/SHA256SUMS sums; echo x >>v/original/a.jpg; cp -r v/original back;"
+            "talomake album back v");
+    EXPECT_EQ(damaged.status, 1);
+    EXPECT_EQ(damaged.err,
+              "v/original/a.jpg: has another sum in SHA256SUMS.\n"
+              "talomake: nothing was imported. Files that differ: 1; --replace replaces them.\n");
+    EXPECT_EQ(run("cmp sums v/SHA256SUMS && talomake album back v --replace && talomake verify v").status, 0);
+
     const result_t full = run("truncate -s 8T card/clip.MOV; talomake album card newer");
     EXPECT_EQ(full.status, 1);
     EXPECT_THAT(full.err, MatchesRegex("newer: [0-9.]+ TiB more free space is needed for this import.\n"));
