@@ -1,8 +1,14 @@
 #include "album/album_layout.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <algorithm>
+#include <cerrno>
+#include <list>
 #include <string_view>
 
+#include "libutils/directory.h"
 #include "libutils/path.h"
 
 namespace taloram {
@@ -20,6 +26,18 @@ bool is_exist(const std::string& path) {
 
 bool is_album(const std::string& directory) {
     return is_exist(entry_path(directory, layout::original));
+}
+
+bool is_closed(const std::string& directory) {
+    return faccessat(AT_FDCWD, directory.c_str(), R_OK | X_OK, AT_EACCESS) != 0 && errno == EACCES &&
+           !is_exist(entry_path(directory, layout::text));
+}
+
+bool is_import_interrupted(const std::string& directory) {
+    std::list<std::string> originals;
+    return !is_exist(entry_path(directory, layout::thumb)) &&
+           !libutils::list_files(originals, entry_path(directory, layout::original)) &&
+           std::any_of(originals.begin(), originals.end(), is_photo);
 }
 
 bool is_photo(const std::string& filename) {

@@ -47,6 +47,14 @@ constexpr unsigned long highest_top_level = 16;
 
 [[nodiscard]] bool is_album(const std::string& directory);
 
+// True when the user has no right to look into a directory, so that nobody can tell whether it is an album or a book:
+// the system's own lost+found for instance.
+[[nodiscard]] bool is_closed(const std::string& directory);
+
+// True for an album whose import was stopped while it copied: there are originals, and thumb/ is not there yet. Any
+// other directory without thumb/ is a book or an album without photographs.
+[[nodiscard]] bool is_import_interrupted(const std::string& directory);
+
 // Kinds of files, told by the extension in any case: ".jpg"; ".mov", ".mpg", ".mp4".
 [[nodiscard]] bool is_photo(const std::string& filename);
 [[nodiscard]] bool is_movie(const std::string& filename);

@@ -19,7 +19,11 @@ struct walk_outcome_t {
 
 // Visits an album, or every album below a book, to any depth, in the order of names; a failure does not keep the others
 // from being visited. The named directory is a book when it is no album; one below it counts as a book when it has txt/
-// or an album below it. A directory that can't be listed is reported and is a failure.
+// or an album below it. A symbolic link is followed to an album, and to nothing else: a link to a home directory must
+// not bring all of it in. An album that is met twice is visited once.
+//
+// A directory that can't be listed is reported and is a failure; but one below the named directory that the user has no
+// right to look into, where nobody can tell what it is (lost+found), is only reported.
 walk_outcome_t visit_albums(const std::string& path, const album_visitor_t& visitor);
 
 }  // namespace taloram

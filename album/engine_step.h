@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <list>
 #include <string>
 
 #include "album/album_layout.h"
@@ -20,6 +21,15 @@ inline void emit_progress(progress_t& progress, size_t index, size_t count) {
         libutils::report(step, "() failed.");
     }
     return result;
+}
+
+// Lists the files of a directory that may be missing. False, after a report, when it is there and can't be listed
+// whole.
+[[nodiscard]] bool list_if_there(std::list<std::string>& files, const std::string& directory);
+
+// Names a directory that is closed to the user, which is no failure.
+inline void report_closed(const std::string& directory, const std::error_code& reason) {
+    libutils::report(directory, ": passed over, ", reason.message());
 }
 
 // False, after a report, for an empty path.
