@@ -6,7 +6,9 @@
 #include <cstring>
 #include <iostream>
 #include <list>
+#include <optional>
 
+#include "album/active_markup.h"
 #include "album/comment_store.h"
 #include "album/engine_step.h"
 #include "album/page_frame.h"
@@ -51,29 +53,22 @@ page_photo_t describe_photo(const std::string& album, const std::string& name) {
     return photo;
 }
 
-std::list<std::string> list_files(const std::string& directory) {
-    std::list<std::string> files;
-    if (!libutils::getfiles(files, directory.c_str())) {
-        talolib::trace(std::cerr, directory, ": getfiles failed.");
-    }
-    return files;
-}
-
-std::list<std::string> chopped_lines(const std::string& text) {
-    std::list<std::string> lines = split_lines(text);
+void chop_lines(std::list<std::string>& lines) {
     for (std::string& line : lines) {
         talolib::trace(std::cout, line);
         libutils::chop(line);
     }
-    return lines;
 }
 
-page_texts_t load_texts(const std::string& album) {
-    std::string title;
-    std::string head;
-    std::string last;
-    loadcommenttxt(album, title, head, last);
-    return {title, chopped_lines(head), chopped_lines(last)};
+// False, after a report, when a text can't be read.
+bool load_texts(page_texts_t& texts, const std::string& album) {
+    if (const unread_text_t unread = load_page_texts(texts, album)) {
+        report_unread(unread);
+        return false;
+    }
+    chop_lines(texts.head);
+    chop_lines(texts.last);
+    return true;
 }
 
 bool save_album_page(const page_t& page, const std::string& album, const std::string& path,
@@ -109,19 +104,27 @@ void write_movie(std::ostream& out, const std::string& movie) {
         << "\">\n\t</video>\t<p>\n";
 }
 
-void write_photo_comment(std::ostream& out, const std::string& album, const std::string& name) {
-    std::list<std::string> lines;
-    if (!loadphotocommentlines(lines, album, name)) {
+// False, after a report, when there is a comment and it can't be read.
+bool write_photo_comment(std::ostream& out, const std::string& album, const std::string& name) {
+    std::optional<std::string> text;
+    if (const unread_text_t unread = load_photo_comment(text, album, name)) {
+        report_unread(unread);
+        return false;
+    }
+    if (!text) {
         talolib::trace(std::cerr, name, ": loadphotocommentlines() failed.");
     }
+    warn_of_active_markup(text_path(album, name), text.value_or(""));
+    std::list<std::string> lines = split_lines(text.value_or(""));
     for (std::string& line : lines) {
         libutils::chop(line);
     }
     writephotocomment(out, lines, 1);
+    return true;
 }
 
 // One photograph of the index. With two sizes its anchor is never closed: the format of the pages is fixed.
-bool write_photo(std::ostream& out, const std::string& album, const page_photo_t& photo) {
+bool write_photo(page_t& out, const std::string& album, const page_photo_t& photo) {
     const unsigned long top = photo.level;
     out << "\t<li>" << photo.name << '\n';
     if (!write_size_links(out, album, photo)) {
@@ -136,10 +139,14 @@ bool write_photo(std::ostream& out, const std::string& album, const page_photo_t
         out << "\" SRCSET=\"" << photo.link(top) << " 1x," << photo.link(top - 1) << " 2x";
     }
     out << "\" ALIGN=\"left\">" << (top >= 2 ? "</a>" : "") << '\n';
-    write_photo_comment(out, album, photo.name);
+    if (!write_photo_comment(out, album, photo.name)) {
+        return false;
+    }
     out << "\t<br clear=all>\n";
+    const size_t start = out.view().size();
     // A photograph without shooting data has no summary.
     static_cast<void>(write_summary(out, original_path(album, photo.name), true));
+    warn_of_active_markup(original_path(album, photo.name), out.view().substr(start));
     out << "\t<p>\n\n";
     return true;
 }
@@ -197,19 +204,23 @@ bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsign
     out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
         << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
     write_page_end(out);
-    const std::error_code failure = out.save(album, path, libutils::staging_t::none);
-    if (failure) {
+    if (out.save(album, path, libutils::staging_t::none)) {
         libutils::report(path, ": write open error.");
+        return false;
     }
-    return !failure;
+    return true;
 }
 
 }  // namespace
 
 bool makehtml(const std::string& album, progress_t& progress) {
-    page_texts_t texts = load_texts(album);
-    const std::list<std::string> movies = list_files(entry_path(album, layout::movie));
-    const std::list<std::string> names = list_files(entry_path(album, layout::thumb));
+    page_texts_t texts;
+    std::list<std::string> movies;
+    std::list<std::string> names;
+    if (!load_texts(texts, album) || !list_if_there(movies, entry_path(album, layout::movie)) ||
+        !list_if_there(names, entry_path(album, layout::thumb))) {
+        return false;
+    }
     std::vector<page_photo_t> photos;
     return write_index(album, texts, movies, names, photos, progress) && write_list(album, texts, photos) &&
            write_count(album, movies.size(), photos.size());
@@ -218,7 +229,7 @@ bool makehtml(const std::string& album, progress_t& progress) {
 bool makehtmlzoom(const std::string& album, progress_t& progress) {
     libutils::mkdir(entry_path(album, layout::html).c_str());
     std::list<std::string> names;
-    if (!libutils::getfiles(names, entry_path(album, layout::thumb).c_str())) {
+    if (libutils::list_files(names, entry_path(album, layout::thumb))) {
         return false;
     }
     size_t index = 0;

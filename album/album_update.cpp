@@ -19,8 +19,8 @@ namespace {
 bool list_originals(std::vector<files_t>& files, const std::string& album) {
     const std::string directory = entry_path(album, layout::original);
     std::list<std::string> names;
-    if (!libutils::getfiles(names, directory.c_str())) {
-        libutils::report(directory, ": getfiles failed.");
+    if (const std::error_code failure = libutils::list_files(names, directory)) {
+        libutils::report(directory, ": getfiles failed, ", failure.message());
         return false;
     }
     for (const std::string& name : names) {
@@ -30,7 +30,8 @@ bool list_originals(std::vector<files_t>& files, const std::string& album) {
 }
 
 bool update_book_page(const std::string& book) {
-    if (!makehtmlbook(book)) {
+    // The walk names what is closed.
+    if (!write_book_page(book, closed_t::pass_over)) {
         libutils::report(book, ": makehtmlbook() failed.");
         return false;
     }

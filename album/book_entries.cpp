@@ -1,10 +1,9 @@
 #include "album/book_entries.h"
 
-#include <fstream>
 #include <list>
 
 #include "album/album_layout.h"
-#include "album/comment_store.h"
+#include "album/text_file.h"
 #include "libutils/directory.h"
 #include "libutils/text.h"
 
@@ -12,50 +11,54 @@ namespace taloram {
 
 namespace {
 
-std::string load_count(const std::string& album) {
-    std::string count;
-    std::ifstream in(text_path(album, layout::count_text));
-    std::getline(in, count);
-    libutils::chop2(count);
-    return count;
+std::string first_line(const std::string& text) {
+    return text.substr(0, text.find('\n'));
 }
 
-std::string first_line(const std::string& text) {
-    std::list<std::string> lines;
-    libutils::separate_token(lines, text, "\n");
-    if (lines.empty()) {
-        return "";
+void load_texts(book_entry_t& entry) {
+    comment_texts_t texts;
+    entry.unread = load_comments(texts, entry.path);
+    if (!entry.unread && entry.is_album) {
+        entry.unread = load_count(entry.count, entry.path);
     }
-    libutils::chop(lines.front());
-    return lines.front();
+    if (entry.unread) {
+        report_unread(entry.unread);
+    }
+    entry.title = texts.title;
+    entry.head_line = first_line(texts.head);
+    libutils::chop(entry.head_line);
 }
 
 }  // namespace
 
-bool list_entries(std::vector<book_entry_t>& entries, const std::string& book) {
+std::error_code list_book_entries(std::vector<book_entry_t>& entries, const std::string& book) {
     entries.clear();
     std::list<std::string> names;
-    if (!libutils::getdirs(names, book.c_str())) {
-        return false;
-    }
+    const std::error_code failure = libutils::list_directories(names, book);
     names.reverse();
     for (const std::string& name : names) {
         book_entry_t entry;
-        std::string head;
-        std::string last;
         entry.name = name;
         entry.path = entry_path(book, name);
-        if (!loadcommenttxt(entry.path, entry.title, head, last)) {
-            continue;
+        if (is_exist(entry_path(entry.path, layout::text))) {
+            entry.is_album = is_album(entry.path);
+            load_texts(entry);
+            entries.push_back(std::move(entry));
         }
-        entry.is_album = is_album(entry.path);
-        if (entry.is_album) {
-            entry.count = load_count(entry.path);
-        }
-        entry.head_line = first_line(head);
-        entries.push_back(std::move(entry));
     }
-    return true;
+    return failure;
+}
+
+unread_text_t load_count(std::string& count, const std::string& album) {
+    const std::string path = text_path(album, layout::count_text);
+    std::string text;
+    const std::error_code failure = load_text(text, path);
+    if (failure && !libutils::is_absent(failure)) {
+        return {path, failure};
+    }
+    count = first_line(text);
+    libutils::chop2(count);
+    return {};
 }
 
 }  // namespace taloram

@@ -1,7 +1,10 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 #include <vector>
+
+#include "album/comment_store.h"
 
 namespace taloram {
 
@@ -13,9 +16,14 @@ struct book_entry_t {
     std::string count;  // movies and photographs, albums only
     std::string title;
     std::string head_line;  // first line of the opening text
+    unread_text_t unread;   // what of these texts is there and can't be read; the texts are empty then
 };
 
-// The subdirectories of `book` that have txt/, in the reverse of their sorted order. False when `book` can't be listed.
-[[nodiscard]] bool list_entries(std::vector<book_entry_t>& entries, const std::string& book);
+// The subdirectories of `book` that have txt/, in the reverse of their sorted order. A text that can't be read is
+// reported; a failure is that of the listing.
+[[nodiscard]] std::error_code list_book_entries(std::vector<book_entry_t>& entries, const std::string& book);
+
+// The first line of an album's count.txt, "" without one.
+[[nodiscard]] unread_text_t load_count(std::string& count, const std::string& album);
 
 }  // namespace taloram

@@ -4,7 +4,8 @@
 #include <sstream>
 
 #include "album/album_layout.h"
-#include "album/comment_store.h"
+#include "album/book_entries.h"
+#include "album/engine_step.h"
 #include "album/page_frame.h"
 #include "album/text_file.h"
 #include "album/write_lock.h"
@@ -17,14 +18,6 @@ namespace taloram {
 
 namespace {
 
-page_texts_t load_texts(const std::string& book) {
-    std::string title;
-    std::string head;
-    std::string last;
-    loadcommenttxt(book, title, head, last);
-    return {title, split_lines(head), split_lines(last)};
-}
-
 void write_heading_row(std::ostream& out) {
     out << "\t<tr>";
     for (const e_message_local_t column :
@@ -34,29 +27,18 @@ void write_heading_row(std::ostream& out) {
     out << '\n';
 }
 
-// The first line of an album's count file, "" without one.
-std::string load_count(const std::string& directory) {
-    std::string text;
-    std::string line;
-    if (!load_text(text, text_path(directory, layout::count_text))) {
-        line = text.substr(0, text.find('\n'));
-        libutils::chop2(line);
-    }
-    return line;
-}
-
-// The row of a subdirectory; one without an opening text has none.
-void write_row(std::ostream& out, const std::string& book, const std::string& name) {
-    const std::string directory = entry_path(book, name);
-    std::string text;
-    if (load_text(text, text_path(directory, layout::head_text))) {
-        return;
+// The row of the subdirectory `name`; `text` = its head.txt.
+unread_text_t write_row(std::ostream& out, const std::string& directory, const std::string& name,
+                        const std::string& text) {
+    std::string count;
+    if (const unread_text_t unread = load_count(count, directory)) {
+        return unread;
     }
     std::istringstream head(text);
     std::string line;
     std::getline(head, line);
     libutils::chop(line);
-    out << "\t<tr><td>" << name << "<td>" << load_count(directory) << "<td>";
+    out << "\t<tr><td>" << name << "<td>" << count << "<td>";
     if (is_exist(entry_path(directory, layout::list_page))) {
         out << "<a href=\"" << entry_path(name, layout::list_page) << "\">" << getmsg(msg_list) << "</a> ";
     }
@@ -68,28 +50,62 @@ void write_row(std::ostream& out, const std::string& book, const std::string& na
         out << "<td>" << line;
     }
     out << '\n';
+    return {};
+}
+
+// A row for each subdirectory that has head.txt.
+unread_text_t write_rows(std::ostream& out, const std::string& book, const std::list<std::string>& names,
+                         closed_t closed) {
+    for (const std::string& name : names) {
+        const std::string directory = entry_path(book, name);
+        const std::string path = text_path(directory, layout::head_text);
+        std::string text;
+        unread_text_t unread{path, load_text(text, path)};
+        if (libutils::is_absent(unread.reason)) {
+            continue;
+        }
+        if (unread && is_closed(directory)) {
+            if (closed == closed_t::report) {
+                report_closed(directory, unread.reason);
+            }
+            continue;
+        }
+        if (unread || (unread = write_row(out, directory, name, text))) {
+            return unread;
+        }
+    }
+    return {};
 }
 
 }  // namespace
 
 bool makehtmlbook(const std::string& book) {
+    return write_book_page(book, closed_t::report);
+}
+
+bool write_book_page(const std::string& book, closed_t closed) {
     write_lock_t lock;
     if (!lock_album(lock, book)) {
         return false;
     }
     std::list<std::string> names;
-    if (!libutils::getdirs(names, book.c_str())) {
+    if (libutils::list_directories(names, book)) {
         libutils::report(book, ": getdirs() failed.");
         return false;
     }
-    page_texts_t texts = load_texts(book);
+    page_texts_t texts;
+    if (const unread_text_t unread = load_page_texts(texts, book)) {
+        report_unread(unread);
+        return false;
+    }
     const std::string path = entry_path(book, layout::index_page);
     page_t out;
     write_page_head(out, texts);
     out << "\n<p><table>\n";
     write_heading_row(out);
-    for (const std::string& name : names) {
-        write_row(out, book, name);
+    if (const unread_text_t unread = write_rows(out, book, names, closed)) {
+        report_unread(unread);
+        return false;
     }
     out << "</table>\n";
     write_page_foot(out, texts);

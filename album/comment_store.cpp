@@ -1,7 +1,8 @@
 #include "album/comment_store.h"
 
-#include <cerrno>
-#include <cstring>
+#include <sys/stat.h>
+
+#include <algorithm>
 #include <iostream>
 #include <sstream>
 
@@ -19,25 +20,41 @@ namespace taloram {
 
 namespace {
 
-// Texts are written under the first name; cards and other systems may have left the second.
-struct text_name_t {
+// A text by the start of its path and its two endings: it is written with the first one; cards and other systems may
+// have left the second.
+struct text_place_t {
+    std::string start;
     const char* name;
     const char* upper_case;
-};
-constexpr text_name_t head_name{layout::head_text, "HEAD.TXT"};
-constexpr text_name_t last_name{layout::last_text, "LAST.TXT"};
-constexpr text_name_t photo_suffix{".txt", ".TXT"};
 
-// Reads a text under either of its names; `path` is then the one that was read.
-bool load_either(std::string& text, std::string& path, const std::string& txtdir, const text_name_t& name) {
-    for (const char* candidate : {name.name, name.upper_case}) {
-        path = entry_path(txtdir, candidate);
-        if (!load_text(text, path)) {
-            return true;
-        }
+    [[nodiscard]] std::string path() const { return start + name; }
+};
+
+text_place_t head_in(const std::string& txtdir) {
+    return {entry_path(txtdir, ""), layout::head_text, "HEAD.TXT"};
+}
+
+text_place_t last_in(const std::string& txtdir) {
+    return {entry_path(txtdir, ""), layout::last_text, "LAST.TXT"};
+}
+
+text_place_t comment_of(const std::string& album, const std::string& photo) {
+    return {text_path(album, libutils::filename(photo)), ".txt", ".TXT"};
+}
+
+bool is_unreadable(const std::error_code& failure) {
+    return failure && !libutils::is_absent(failure);
+}
+
+// Reads a text under the first of its names that is there; `path` is then that one.
+std::error_code load(std::string& text, std::string& path, const text_place_t& place) {
+    path = place.path();
+    const std::error_code failure = load_text(text, path);
+    if (!libutils::is_absent(failure)) {
+        return failure;
     }
-    talolib::trace(std::cerr, txtdir, ": ", name.name, " not found.");
-    return false;
+    path = place.start + place.upper_case;
+    return load_text(text, path);
 }
 
 // Takes the title from the first line; what follows the second one stays in `head`.
@@ -66,69 +83,119 @@ std::string lines_of(const std::string& text) {
     return lines;
 }
 
-// Nobody can write the user's words again, so they wait for the disk; and those that could not be read were not seen by
-// whoever wants to replace them. The failure is one of opening until the file is open.
-class comment_file_t {
-  public:
-    comment_file_t(std::string album, const std::string& path)
-        : album_(std::move(album)), path_(path), file_(path, libutils::staging_t::above) {}
+std::string in_one_line(std::string title) {
+    libutils::chop(title);
+    const auto ends_a_line = [](char c) { return c == '\n' || c == '\r'; };
+    std::replace_if(title.begin(), title.end(), ends_a_line, ' ');
+    return title;
+}
 
-    [[nodiscard]] std::error_code open() {
-        std::string text;
-        const std::error_code unread = load_text(text, path_);
-        return unread && !libutils::is_absent(unread)
-                   ? unread
-                   : file_.open_as_old({libutils::links_t::others_t::refused, album_});
+// False when there is none or, with `unread` set, when it can't be read.
+bool load_if_there(std::string& text, std::string& path, unread_text_t& unread, const text_place_t& place) {
+    const std::error_code failure = load(text, path, place);
+    if (is_unreadable(failure)) {
+        unread = {path, failure};
     }
-    [[nodiscard]] std::error_code save(const std::string& lines) {
-        file_.write(lines);
-        return file_.commit_to_disk();
-    }
+    return !failure;
+}
 
-  private:
-    std::string album_;
-    std::string path_;
-    libutils::new_file_t file_;
-};
+// Nobody can write the user's words again: those that could not be read were not seen by whoever wants to replace them,
+// and a link out of the album may lead to what is somebody else's.
+std::error_code open_text(libutils::new_file_t& file, const text_place_t& place, const std::string& album) {
+    std::string text;
+    std::string path;
+    const std::error_code failure = load(text, path, place);
+    return is_unreadable(failure) ? failure : file.open_as_old({libutils::links_t::others_t::refused, album});
+}
 
-bool save_text(const std::string& album, const std::string& path, const std::string& lines) {
-    comment_file_t file(album, path);
-    if (const std::error_code failure = file.open()) {
-        libutils::report(path, ": file open failed, ", failure.message());
+bool save_text(const text_place_t& place, const std::string& album, const std::string& lines) {
+    libutils::new_file_t file(place.path(), libutils::staging_t::above);
+    if (const std::error_code failure = open_text(file, place, album)) {
+        libutils::report(place.path(), ": file open failed, ", failure.message());
         return false;
     }
-    if (file.save(lines)) {
-        libutils::report(path, ": file write error.");
+    file.write(lines);
+    if (file.commit_to_disk()) {
+        libutils::report(place.path(), ": file write error.");
         return false;
     }
     return true;
 }
 
-std::string photo_comment_path(const std::string& album, const std::string& photo, const char* suffix) {
-    return text_path(album, libutils::filename(photo) + suffix);
+bool load_strings(const std::string& txtdir, std::string& title, std::string& head, std::string& last) {
+    comment_texts_t texts{title, head, last};
+    if (const unread_text_t unread = load_comments_in(texts, txtdir)) {
+        report_unread(unread);
+        return false;
+    }
+    title = std::move(texts.title);
+    head = std::move(texts.head);
+    last = std::move(texts.last);
+    return true;
 }
 
 }  // namespace
 
+void report_unread(const unread_text_t& unread) {
+    libutils::report(unread.path, ": comment text load failed, ", unread.reason.message());
+}
+
+unread_text_t load_comments(comment_texts_t& texts, const std::string& album) {
+    return load_comments_in(texts, entry_path(album, layout::text));
+}
+
+unread_text_t load_comments_in(comment_texts_t& texts, const std::string& txtdir) {
+    unread_text_t unread;
+    comment_texts_t found = texts;
+    std::string text;
+    std::string path;
+    if (load_if_there(text, path, unread, head_in(txtdir))) {
+        take_title(found.title, found.head, path, text);
+    } else if (!unread) {
+        talolib::trace(std::cerr, txtdir, ": ", layout::head_text, " not found.");
+    }
+    if (!unread && !load_if_there(found.last, path, unread, last_in(txtdir)) && !unread) {
+        talolib::trace(std::cerr, txtdir, ": ", layout::last_text, " not found.");
+    }
+    if (!unread) {
+        texts = std::move(found);
+    }
+    return unread;
+}
+
+unread_text_t load_photo_comment(std::optional<std::string>& text, const std::string& album, const std::string& photo) {
+    const text_place_t place = comment_of(album, photo);
+    std::string found;
+    std::string path;
+    const std::error_code failure = load(found, path, place);
+    text.reset();
+    if (!failure) {
+        text = std::move(found);
+    } else if (is_unreadable(failure)) {
+        return {path, failure};
+    } else {
+        talolib::trace(std::cerr, place.path(), ": comment text open failed, ", failure.message());
+    }
+    return {};
+}
+
 bool loadcommenttxt(const std::string& album, std::string& title, std::string& head, std::string& last) {
     const std::string txtdir = entry_path(album, layout::text);
-    if (!is_exist(txtdir)) {
-        talolib::trace(std::cout, txtdir, ": stat failed, ", std::strerror(errno));
+    struct stat status {};
+    if (stat(txtdir.c_str(), &status) != 0) {
+        const std::error_code failure = libutils::last_error();
+        if (is_unreadable(failure)) {
+            report_unread({txtdir, failure});
+        } else {
+            talolib::trace(std::cout, txtdir, ": stat failed, ", failure.message());
+        }
         return false;
     }
-    loadcomment(txtdir, title, head, last);
-    return true;
+    return load_strings(txtdir, title, head, last);
 }
 
 void loadcomment(const std::string& txtdir, std::string& title, std::string& head, std::string& last) {
-    std::string text;
-    std::string path;
-    if (load_either(text, path, txtdir, head_name)) {
-        take_title(title, head, path, text);
-    }
-    if (load_either(text, path, txtdir, last_name)) {
-        last = text;
-    }
+    static_cast<void>(load_strings(txtdir, title, head, last));
 }
 
 bool savecommenttxt(const std::string& album, const std::string& title, const std::string& head,
@@ -137,26 +204,20 @@ bool savecommenttxt(const std::string& album, const std::string& title, const st
     if (!lock_album(lock, album)) {
         return false;
     }
-    libutils::mkdir(entry_path(album, layout::text).c_str());
-    const std::string title_line = title + "\r\n";
-    return save_text(album, text_path(album, head_name.name), title_line + title_line + lines_of(head)) &&
-           save_text(album, text_path(album, last_name.name), lines_of(last));
+    const std::string txtdir = entry_path(album, layout::text);
+    libutils::mkdir(txtdir.c_str());
+    const std::string title_line = in_one_line(title) + "\r\n";
+    return save_text(head_in(txtdir), album, title_line + title_line + lines_of(head)) &&
+           save_text(last_in(txtdir), album, lines_of(last));
 }
 
 bool loadphotocomment(std::string& text, const std::string& album, const std::string& photo) {
-    const std::string lower = photo_comment_path(album, photo, photo_suffix.name);
-    const std::string upper = photo_comment_path(album, photo, photo_suffix.upper_case);
-    const bool has_lower = is_exist(lower);
-    if (!has_lower && !is_exist(upper)) {
-        talolib::trace(std::cerr, lower, ": comment text open failed, ", std::strerror(errno));
-        return false;
+    std::optional<std::string> found;
+    if (const unread_text_t unread = load_photo_comment(found, album, photo)) {
+        report_unread(unread);
     }
-    const std::string& path = has_lower ? lower : upper;
-    if (const std::error_code failure = load_text(text, path)) {
-        libutils::report(path, ": comment text load failed, ", failure.message());
-        return false;
-    }
-    return true;
+    text = found.value_or(text);
+    return found.has_value();
 }
 
 bool loadphotocommentlines(std::list<std::string>& lines, const std::string& album, const std::string& photo) {
@@ -173,14 +234,15 @@ bool savephotocomment(const std::string& text, const std::string& album, const s
     if (!lock_album(lock, album)) {
         return false;
     }
-    const std::string path = photo_comment_path(album, photo, photo_suffix.name);
-    comment_file_t file(album, path);
-    std::error_code failure = file.open();
+    const text_place_t place = comment_of(album, photo);
+    libutils::new_file_t file(place.path(), libutils::staging_t::above);
+    std::error_code failure = open_text(file, place, album);
     if (!failure) {
-        failure = file.save(lines_of(text));
+        file.write(lines_of(text));
+        failure = file.commit_to_disk();
     }
     if (failure) {
-        libutils::report(path, ": write open error, ", failure.message());
+        libutils::report(place.path(), ": write open error, ", failure.message());
     }
     return !failure;
 }

@@ -9,7 +9,7 @@
 #include <list>
 #include <set>
 
-#include "album/album_layout.h"
+#include "album/engine_step.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
@@ -36,24 +36,13 @@ bool remove_file(const std::string& path) {
 
 namespace {
 
-// The names in a directory of the album, none where there is no such directory. False, after a report, when it can't be
-// listed to its end: what an album has is known then of none of its photographs.
-bool list_if_exists(std::list<std::string>& names, const std::string& directory) {
-    const std::error_code failure = libutils::list_files(names, directory);
-    if (failure && !libutils::is_absent(failure)) {
-        libutils::report(directory, ": can't be listed, ", failure.message());
-        return false;
-    }
-    return true;
-}
-
 bool find_photos_with_sizes(names_t& photos, const std::string& album) {
     for (const std::string& directory : level_directories(album, highest_top_level)) {
-        std::list<std::string> names;
-        if (!list_if_exists(names, directory)) {
+        std::list<std::string> files;
+        if (!list_if_there(files, directory)) {
             return false;
         }
-        std::copy_if(names.begin(), names.end(), std::inserter(photos, photos.end()), is_photo);
+        std::copy_if(files.begin(), files.end(), std::inserter(photos, photos.end()), is_photo);
     }
     return true;
 }
@@ -74,7 +63,7 @@ bool find_orphaned_pages(std::list<std::string>& pages, const std::string& album
     names_t bases;
     std::transform(originals.begin(), originals.end(), std::inserter(bases, bases.end()),
                    [](const std::string& photo) { return libutils::basename(photo); });
-    if (!list_if_exists(pages, entry_path(album, layout::html))) {
+    if (!list_if_there(pages, entry_path(album, layout::html))) {
         return false;
     }
     pages.remove_if([&](const std::string& page) {
@@ -160,8 +149,8 @@ bool treat_orphans(const std::string& album, orphans_t treatment) {
     }
     const std::string directory = entry_path(album, layout::original);
     std::list<std::string> originals;
-    if (libutils::list_files(originals, directory)) {
-        libutils::report(directory, ": getfiles failed.");
+    if (const std::error_code failure = libutils::list_files(originals, directory)) {
+        libutils::report(directory, ": getfiles failed, ", failure.message());
         return false;
     }
     names_t photos;

@@ -3,7 +3,9 @@
 #include <array>
 #include <ctime>
 
-#include "album/comment_store.h"
+#include "album/active_markup.h"
+#include "album/album_layout.h"
+#include "album/text_file.h"
 #include "settings/settings.h"
 
 namespace taloram {
@@ -31,8 +33,19 @@ void write_time_stamp(std::ostream& out) {
 
 }  // namespace
 
-std::error_code page_t::save(const std::string& root, const std::string& path, libutils::staging_t staging) const {
-    return libutils::replace_file(path, staging, str(), {libutils::links_t::others_t::replaced, root});
+unread_text_t load_page_texts(page_texts_t& texts, const std::string& directory) {
+    comment_texts_t comments;
+    unread_text_t unread = load_comments(comments, directory);
+    if (!unread) {
+        warn_of_active_markup(text_path(directory, layout::head_text), comments.title + '\n' + comments.head);
+        warn_of_active_markup(text_path(directory, layout::last_text), comments.last);
+        texts = {comments.title, split_lines(comments.head), split_lines(comments.last)};
+    }
+    return unread;
+}
+
+std::error_code page_t::save(const std::string& directory, const std::string& path, libutils::staging_t staging) const {
+    return libutils::replace_file(path, staging, str(), {libutils::links_t::others_t::replaced, directory});
 }
 
 void write_page_start(std::ostream& out) {

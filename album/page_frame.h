@@ -6,6 +6,7 @@
 #include <sstream>
 #include <string>
 
+#include "album/comment_store.h"
 #include "libutils/new_file.h"
 
 // What all pages of albums and books share. Pages are written without escaping and end their lines with LF.
@@ -18,14 +19,18 @@ struct page_texts_t {
     std::list<std::string> last;
 };
 
+// Loads the comments of `directory`, an album or book; lines keep their CR. Nothing is written from texts that can't be
+// read.
+[[nodiscard]] unread_text_t load_page_texts(page_texts_t& texts, const std::string& directory);
+
 // A page while it is composed: numbers take the classic form.
 class page_t : public std::ostringstream {
   public:
     page_t() { imbue(std::locale::classic()); }
 
-    // Puts the page in place of the file `path` of the album or book `root`; a link that leads out of it is replaced.
-    // On failure the old page stays.
-    [[nodiscard]] std::error_code save(const std::string& root, const std::string& path,
+    // Puts the page in place of the file `path` of the album or book `directory`. A link that leads out of it is
+    // replaced. When it fails the old page stays.
+    [[nodiscard]] std::error_code save(const std::string& directory, const std::string& path,
                                        libutils::staging_t staging) const;
 };
 

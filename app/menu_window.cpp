@@ -151,7 +151,7 @@ bool MenuWindow::make_items() {
         table_.remove(advice_);
     }
     show_comments();
-    const bool is_listed = list_entries(items_, g_global.album);
+    const bool is_listed = !list_book_entries(items_, g_global.album);
     show_items();
     if (items_.empty()) {
         show_advice(is_listed ? msg_no_albums : msg_no_directory);

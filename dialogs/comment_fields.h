@@ -8,17 +8,11 @@
 #include <optional>
 #include <string>
 
+#include "album/comment_store.h"
 #include "dialogs/kept_text.h"
 #include "settings/message.h"
 
 namespace taloram {
-
-// Comments of an album or book, in the locale's encoding.
-struct comment_texts_t {
-    std::string title;
-    std::string head;
-    std::string last;
-};
 
 // A label whose mnemonic, new in `taken`, leads to `target`.
 [[nodiscard]] Gtk::Label& caption(e_message_local_t text, Gtk::Widget& target, std::string& taken);

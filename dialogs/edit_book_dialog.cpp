@@ -123,7 +123,7 @@ bool EditBookDialog::make_items() {
     loadcommenttxt(book_directory_, texts.title, texts.head, texts.last);
     fields_.show(texts);
     std::vector<book_entry_t> entries;
-    const bool listed = list_entries(entries, book_directory_);
+    const bool listed = !list_book_entries(entries, book_directory_);
     widths_ = widths_of(entries);
     items_.clear();
     for (book_entry_t& entry : entries) {

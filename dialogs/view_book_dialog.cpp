@@ -35,7 +35,7 @@ ViewBookDialog::ViewBookDialog(Gtk::Window& parent, const std::string& book, con
     content.pack_start(texts_.title, Gtk::PACK_SHRINK);
     content.pack_start(scrolled_text(texts_.head), Gtk::PACK_SHRINK);
     std::vector<book_entry_t> entries;
-    if (list_entries(entries, book) && !entries.empty()) {
+    if (!list_book_entries(entries, book) && !entries.empty()) {
         table_.set_row_spacing(gap / 3);
         table_.set_column_spacing(2 * gap);
         make_headings();

@@ -57,3 +57,55 @@ TEST_F(comment_store_test, texts_that_find_no_room_leave_the_old_ones) {
     EXPECT_EQ("New\r\nNew\r\n", text_of(path + "head.txt"));
     EXPECT_EQ("two\r\nthree\r\n", text_of(path + "last.txt") + text_of(path + "p.jpg.txt"));
 }
+
+TEST_F(comment_store_test, texts_that_can_not_be_read_are_neither_absent_nor_replaced) {
+    const std::string txt = album + "/txt/";
+    for (const char* name : {"head.txt", "HEAD.TXT", "last.txt", "LAST.TXT"}) {
+        fs::create_directory(txt + name);
+        std::string title = "old", head = "old", last = "old";
+        const std::string line = txt + name + ": comment text load failed, Is a directory\n";
+        EXPECT_EQ("false\n" + line, outcome([&] { return loadcommenttxt(album, title, head, last); }));
+        EXPECT_EQ(line, stderr_of([&] { loadcomment(album + "/txt", title, head, last); }));
+        EXPECT_EQ("oldoldold", title + head + last) << name;
+        const bool is_last = std::string(name)[0] == 'l' || std::string(name)[0] == 'L';
+        const std::string written = txt + (is_last ? "last.txt" : "head.txt");
+        EXPECT_EQ("false\n" + written + ": file open failed, Is a directory\n",
+                  outcome([&] { return savecommenttxt(album, "T", "", ""); }));
+        fs::remove(txt + name);
+        EXPECT_FALSE(fs::exists(written)) << name;
+    }
+    for (const char* name : {"p.jpg.txt", "p.jpg.TXT"}) {
+        fs::create_symlink(name, txt + name);
+        std::string text = "old";
+        EXPECT_EQ("false\n" + txt + name + ": comment text load failed, Too many levels of symbolic links\n",
+                  outcome([&] { return loadphotocomment(text, album, "p.jpg"); }));
+        EXPECT_EQ("false\n" + txt + "p.jpg.txt: write open error, Too many levels of symbolic links\n",
+                  outcome([&] { return savephotocomment(text, album, "p.jpg"); }));
+        EXPECT_TRUE(text == "old" && fs::is_symlink(txt + name));
+        fs::remove(txt + name);
+    }
+}
+
+TEST_F(comment_store_test, a_title_stays_on_its_line) {
+    for (const char* title : {"a b", "a\nb", "a\rb\r\n\n"}) {
+        ASSERT_TRUE(savecommenttxt(album, title, "", ""));
+        EXPECT_EQ("a b\r\na b\r\n", text_of(album + "/txt/head.txt"));
+    }
+}
+
+TEST_F(comment_store_test, links_are_followed_inside_the_album_only) {
+    const std::string head = album + "/txt/head.txt", outside = dir / "outside";
+    const std::pair<const char*, const char*> cases[] = {
+        {"../www/new.txt", "/www/new.txt"}, {"twin.txt", "/txt/twin.txt"}, {"../../outside", nullptr}};
+    fs::create_directory(album + "/www");
+    put(outside, "kept");
+    for (const auto& [link, target] : cases) {
+        fs::remove(head);
+        fs::create_symlink(link, head);
+        const std::string refused = "false\n" + head + ": file open failed, a link that leads out of the directory\n";
+        EXPECT_EQ(target == nullptr ? refused : "true\n", outcome([&] { return savecommenttxt(album, "T", "", ""); }));
+        EXPECT_TRUE(fs::is_symlink(head));
+        EXPECT_EQ("T\r\nT\r\n", target == nullptr ? "T\r\nT\r\n" : text_of(album + target));
+    }
+    EXPECT_EQ("kept", text_of(outside));
+}

@@ -1,3 +1,6 @@
+#include <gmock/gmock.h>
+
+#include "album/active_markup.h"
 #include "album/album_pages.h"
 #include "album/book_index.h"
 #include "album/comment_store.h"
@@ -88,4 +91,82 @@ TEST_F(pages_test, book) {
         "\t<tr><td>a<td>2+35<td><a href='a/list.html'>list</a> <td><a href='a/index.html'>A</a><td>first|"
         "\t<tr><td>b<td><td><td><a href='b/index.html'>B</a>|</table>|<br>out\r|FOOT",
         page(book + "/index.html"));
+}
+
+TEST_F(pages_test, nothing_is_written_from_what_can_not_be_read) {
+    put(original_path(album, "p.jpg"), make_jpeg({.width = 60, .height = 16}));
+    EXPECT_TRUE(shrink(album, {{"p.jpg", 0}}, silent));
+    put(album + "/index.html", "old");
+    for (const char* name : {"txt/head.txt", "txt/LAST.TXT", "txt/p.jpg.txt"}) {
+        fs::create_directory(album + "/" + name);
+        EXPECT_EQ("false\n" + album + "/" + name + ": comment text load failed, Is a directory\n",
+                  outcome([&] { return makehtml(album, silent); }));
+        fs::remove(album + "/" + name);
+    }
+    fs::remove_all(album + "/thumb");
+    for (const char* name : {"movie", "thumb"}) {
+        fs::create_symlink(name, album + "/" + name);
+        EXPECT_EQ("false\n" + album + "/" + name + ": getfiles failed, Too many levels of symbolic links\n",
+                  outcome([&] { return makehtml(album, silent); }));
+        EXPECT_EQ("false\n", outcome([&] { return makehtmlzoom(album, silent); }));
+        fs::remove(album + "/" + name);
+    }
+    const std::string book = dir.path(), page = book + "/index.html";
+    put(page, "old");
+    for (const char* name : {"album/txt/head.txt", "album/txt/count.txt", "txt/head.txt"}) {
+        put(album + "/txt/head.txt", "A\nA\n");
+        fs::remove(dir / name);
+        fs::create_directories(dir / name);
+        EXPECT_EQ("false\n" + dir / name + ": comment text load failed, Is a directory\n",
+                  outcome([&] { return makehtmlbook(book); }));
+        fs::remove(dir / name);
+    }
+    EXPECT_EQ("oldold", text_of(album + "/index.html") + text_of(page));
+}
+
+TEST_F(pages_test, links_are_followed_inside_the_album_only) {
+    put(original_path(album, "p.jpg"), make_jpeg({.width = 120, .height = 16}));
+    EXPECT_TRUE(shrink(album, {{"p.jpg", 0}}, silent));
+    for (const char* name : {"index.html", "list.html", "txt/count.txt", "html/p_1.html"}) {
+        const std::string path = album + "/" + name, inside = album + "/www/" + fs::path(name).filename().string();
+        for (const std::string& target : {dir / "outside", inside}) {
+            fs::create_directories(fs::path(path).parent_path());
+            fs::create_directory(album + "/www");
+            fs::remove(path);
+            fs::create_symlink(target, path);
+            EXPECT_TRUE(makehtml(album, silent) && makehtmlzoom(album, silent)) << name;
+            EXPECT_TRUE(fs::is_symlink(path) == (target == inside) && fs::is_regular_file(path)) << target;
+        }
+    }
+    EXPECT_FALSE(fs::exists(dir / "outside"));
+    fs::create_symlink("../outside.html", dir / "index.html");
+    EXPECT_TRUE(makehtmlbook(dir.path()) && !fs::is_symlink(dir / "index.html"));
+}
+
+TEST_F(pages_test, texts_that_run_programs_are_named) {
+    const auto exif = exif_builder_t().text(exif_builder_t::ifd0, 0x0110, "<ScRiPt>").app1();
+    put(original_path(album, "p.jpg"), make_jpeg({.width = 60, .height = 16, .segments = {{0xE1, exif}}}));
+    EXPECT_TRUE(shrink(album, {{"p.jpg", 0}}, silent));
+    put(album + "/txt/head.txt", "T\nT\n<a href='JavaScript:x'>");
+    put(album + "/txt/last.txt", "<b>1 < 2</b> <p on=1> onset = 3 <a one='1'");
+    const std::string end = ": holds markup that runs a program in the browser; the pages show it as it is.\n";
+    EXPECT_EQ(
+        "true\n" + album + "/txt/head.txt" + end + album + "/txt/last.txt" + end + original_path(album, "p.jpg") + end,
+        outcome([&] { return makehtml(album, silent); }));
+    EXPECT_THAT(page(album + "/index.html"), testing::HasSubstr("<ScRiPt>"));
+    const std::pair<const char*, bool> cases[] = {
+        {"<img src=x\nOnError = 'x'>", true},
+        {"<svg/onload=x>", true},
+        {"<a b='c'onclick=x", true},
+        {"< a onload=x>", false},
+        {"<a> onload=x", false},
+        {"<a on=x>", false},
+        {"<a once>", false},
+        {"<", false},
+        {"", false},
+        {"<b><i><u onload=1>", true},
+    };
+    for (const auto& [text, is_active] : cases) {
+        EXPECT_EQ(is_active, is_active_markup(text)) << text;
+    }
 }

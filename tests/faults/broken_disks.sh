@@ -14,32 +14,36 @@ sizes=(--shrink-size 160,120 --progress never)
 import=("$bin/talomake" album "${sizes[@]}" "$card" "$album")
 update=("$bin/talomake" update "${sizes[@]}" "$album")
 
-# A directory whose listing breaks off, the status, and the command; the album stays as it was, or stays away. What has
+# What breaks off a listing or a text, the status, and the command; the album stays as it was, or stays away. What has
 # lost an original would be pruned.
-break_listings_off() {
-    local part status command
-    while read -r part status command; do
+break_reading_off() {
+    local rule status command
+    while read -r rule status command; do
         local -n words=$command
         rm -rf "$album"
         [ "$command" = import ] || cp -a "$place/verified" "$album"
-        ends_with "$status" failing "readdir:EIO:4:$part" "${words[@]}"
-        [ -s "$place/errors" ] || fail "no line on standard error: $part"
+        ends_with "$status" failing "$rule" "${words[@]}"
+        [ -s "$place/errors" ] || fail "no line on standard error: $rule"
         if [ "$command" = import ]; then
             [ ! -e "$album" ] || fail "something was imported from half a listing"
         else
             is_same "$place/verified" "$album"
         fi
     done <<'EOL'
-/card 2 import
-/album/original 1 update
-/album/original 1 prune
-/album/size1 1 prune
-/album/thumb 1 prune
-/album/html 1 prune
-/album/original 1 verify
-/album/movie 1 verify
+readdir:EIO:4:/card 2 import
+readdir:EIO:4:/album/original 1 update
+readdir:EIO:4:/album/original 1 prune
+readdir:EIO:4:/album/size1 1 prune
+readdir:EIO:4:/album/thumb 1 prune
+readdir:EIO:4:/album/html 1 prune
+readdir:EIO:4:/album/original 1 verify
+readdir:EIO:4:/album/movie 1 verify
+readdir:EIO:4:/album/thumb 1 update
+read:EIO:0:/album/txt/head.txt 1 update
+read:EIO:0:/album/txt/last.txt 1 update
+read:EIO:0:/album/txt/IMG_0001.JPG.txt 1 update
 EOL
-    echo "listings that break off"
+    echo "listings and texts that break off"
 }
 
 # Calls that fail for an import over an album of other photographs: their files and all that was made of them stay.
@@ -105,9 +109,10 @@ mv "$album" "$place/other"
 ends_with 0 "${import[@]}" --verify
 mv "$album" "$place/verified"
 rm "$place/verified/original/IMG_0002.JPG"
+echo words >"$place/verified/txt/IMG_0001.JPG.txt"
 prune=("${update[@]}" --prune)
 verify=("$bin/talomake" verify "$album")
-break_listings_off
+break_reading_off
 fail_copies
 fail_removals
 note_flushes

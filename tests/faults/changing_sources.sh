@@ -162,10 +162,32 @@ album/size0 a-w update 1 PLACE/album/size0/IMG_0002.JPG: jpegdata save() failed.
 album/size1 a-w update 1 PLACE/album/size1/IMG_0001.JPGsvjdata save() failed.
 album/thumb a-w update 1 PLACE/album/thumb/IMG_0001.JPG: thumbnail save failed, Permission denied
 album/html a-w update 1 PLACE/album/html/IMG_0001_1.html: write open error.
-album/original a-r update 1 PLACE/album/original: getfiles failed.
+album/original a-r update 1 PLACE/album/original: getfiles failed, Permission denied
 album/original/IMG_0001.JPG a-r update 1 IMG_0001.JPG: jpegdata load() failed.
 EOL
     echo "rights that were taken away"
+}
+
+# A book with what nobody may look into: named once, and no failure; but an album that can't be listed is one.
+close_directories() {
+    local book=$place/book command
+    mkdir -p "$book/txt" "$book/lost+found"
+    cp -a "$reference" "$book/whole"
+    printf 'A book\r\nA book\r\n' >"$book/txt/head.txt"
+    chmod 000 "$book/lost+found"
+    for command in update book; do
+        ends_with 0 "$bin/talomake" $command "$book"
+        check [ "$(cat "$place/errors")" = "$book/lost+found: passed over, Permission denied" ]
+    done
+    check grep -q whole/index.html "$book/index.html"
+    chmod a-r "$book/whole/txt/head.txt"
+    for command in update book; do
+        ends_with 1 "$bin/talomake" $command "$book"
+        has_line "$book/whole/txt/head.txt: comment text load failed, Permission denied"
+        check grep -q whole/index.html "$book/index.html"
+    done
+    chmod -R u+rwx "$book"
+    echo "directories that are closed"
 }
 
 "$bin/make_samples" "$place/sample"
@@ -176,3 +198,4 @@ mv "$album" "$reference"
 change_sources
 cut_sources_off
 take_rights
+close_directories
