@@ -9,7 +9,7 @@
 
 namespace taloram {
 
-// What a photograph says about itself in front of its pixels. It shares nothing with the file, which may be replaced
+// What a photograph says about itself before its pixels. It shares nothing with the file, which may be replaced
 // meanwhile.
 struct photo_header_t {
     uint64_t width = 0;  // pixels, as they lie in the file

@@ -19,7 +19,7 @@ struct desc_t {
     return table->text;
 }
 
-// The label at a place of an array, `other` behind its end.
+// The label at a place of an array, `other` past its end.
 template <typename Labels>
 [[nodiscard]] constexpr const char* label_of(const Labels& labels, size_t value, const char* other) {
     return value < labels.size() ? labels[value] : other;

@@ -8,7 +8,7 @@ namespace libgr {
 
 namespace {
 
-constexpr uint64_t behind_exif_entry = 4;
+constexpr uint64_t after_exif_entry = 4;
 constexpr uint64_t max_overlap = 4;  // values in all, in lengths of the data; without overlaps it is below 1
 
 class ifd_walker_t {
@@ -48,7 +48,7 @@ class ifd_walker_t {
 
     [[nodiscard]] bool holds_entry(uint64_t at) const {
         if (source_.kind == ifd_source_t::exif) {
-            const uint64_t needed = at + ifd_entry_size + behind_exif_entry;
+            const uint64_t needed = at + ifd_entry_size + after_exif_entry;
             if (!ifd_.holds(0, needed)) {
                 libutils::report("too few ifd area", needed, " > ", ifd_.size());
                 return false;

@@ -11,7 +11,7 @@ namespace {
 constexpr uint64_t header_size = 8;  // byte-order mark, version, offset of IFD0
 constexpr uint16_t version = 42;
 
-// Length of an IFD0 or IFD1 view and least length of the data behind the start of an Exif IFD.
+// Length of an IFD0 or IFD1 view and least length of the data from the start of an Exif IFD.
 uint64_t directory_size(uint64_t entries) {
     return ifd_entry_size * entries + 4;
 }

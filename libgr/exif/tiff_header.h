@@ -63,7 +63,7 @@ class tiff_header_t : public libutils::bytes_t {
     [[nodiscard]] bool read_byteorder_mark();
     void clear_records();
 
-    // Steps behind the entries of IFD0, from the offsets and the maker note found there; true without one.
+    // Steps after the entries of IFD0, from the offsets and the maker note found there; true without one.
     [[nodiscard]] bool read_exif_ifd();
     [[nodiscard]] bool read_gps_ifd();
     [[nodiscard]] bool read_maker_note();

@@ -33,7 +33,7 @@ struct jpeg_transform_info {
     bool crop = false;             // not available
     crop_request_t crop_request;
 
-    // One array a component for the turned picture, of the decompressor; null when the source's own arrays serve.
+    // One array per component for the turned picture, of the decompressor; null when the source's own arrays serve.
     jvirt_barray_ptr* workspace_coef_arrays = nullptr;
 };
 
@@ -45,7 +45,7 @@ struct jpeg_transform_info {
 [[nodiscard]] bool jtransform_perfect_transform(JDIMENSION image_width, JDIMENSION image_height, int mcu_width,
                                                 int mcu_height, JXFORM_CODE transform);
 
-// Asks the decompressor for the arrays that the turn needs: behind jpeg_read_header, before jpeg_read_coefficients.
+// Asks the decompressor for the arrays that the turn needs: after jpeg_read_header, before jpeg_read_coefficients.
 // False when the request is not available, or is to be perfect and can't be.
 [[nodiscard]] bool jtransform_request_workspace(jpeg_decompress_struct& source, jpeg_transform_info& request);
 
@@ -56,14 +56,14 @@ struct jpeg_transform_info {
                                                              jvirt_barray_ptr* source_arrays,
                                                              const jpeg_transform_info& request);
 
-// Fills the workspace arrays from the source's: behind jpeg_write_coefficients, before jpeg_finish_compress.
+// Fills the workspace arrays from the source's: after jpeg_write_coefficients, before jpeg_finish_compress.
 void jtransform_execute_transform(jpeg_decompress_struct& source, jvirt_barray_ptr* source_arrays,
                                   const jpeg_transform_info& request);
 
 // Makes the decompressor keep the segments that jcopy_markers_execute copies: before jpeg_read_header.
 void jcopy_markers_setup(jpeg_decompress_struct& source, JCOPY_OPTION option);
 
-// Writes the kept segments: behind jpeg_write_coefficients. A JFIF or Adobe segment is left out where the compressor
+// Writes the kept segments: after jpeg_write_coefficients. A JFIF or Adobe segment is left out where the compressor
 // has written its own.
 void jcopy_markers_execute(const jpeg_decompress_struct& source, jpeg_compress_struct& turned, JCOPY_OPTION option);
 

@@ -40,7 +40,7 @@ struct outcome_t {
 void take_in_scans(decompressor_t& reader, int wanted, outcome_t& outcome) {
     jpeg_decompress_struct& info = reader.info;
     int status = 0;
-    // Behind the last scan of a file cut short libjpeg would meet its beginning again and give up.
+    // After the last scan of a file cut short libjpeg would meet its beginning again and give up.
     while (status != JPEG_REACHED_EOI && outcome.scans < wanted &&
            !(status == JPEG_SCAN_COMPLETED && reader.ran_out())) {
         status = jpeg_consume_input(&info);
@@ -49,7 +49,7 @@ void take_in_scans(decompressor_t& reader, int wanted, outcome_t& outcome) {
     }
     outcome.complete = status == JPEG_REACHED_EOI && !reader.early_end();
     if (status != JPEG_REACHED_EOI && info.Ss == 0) {
-        // Smoothing reads on behind a scan of DC coefficients.
+        // Smoothing reads on after a scan of DC coefficients.
         info.do_block_smoothing = FALSE;
     }
 }

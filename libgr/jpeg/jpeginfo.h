@@ -18,7 +18,7 @@ class jpeginfo_t {
   public:
     struct marker_t {
         uint8_t marker = 0;      // second byte of the code: 0xE0 to 0xEF for APP0 to APP15, 0xFE for COM
-        libutils::bytes_t data;  // the segment behind its length bytes, in a buffer of its own
+        libutils::bytes_t data;  // the segment after its length bytes, in a buffer of its own
     };
 
     enum e_marker_num_t : unsigned {

@@ -13,12 +13,12 @@ namespace libgr {
 
 namespace {
 
-// A file of a few kilobytes can make libjpeg walk a huge picture, once a scan. What a file may ask for grows with its
+// A file of a few kilobytes can make libjpeg walk a huge picture, once per scan. What a file may ask for grows with its
 // bytes, so that nothing takes long that is small:
 //
 //     limit = start + bytes * growth
 //
-// A whole Huffman-coded picture takes a bit a block at least, and a block shows no more than 64 pixels: `growth` lets
+// A whole Huffman-coded picture takes a bit per block at least, and a block shows no more than 64 pixels: `growth` lets
 // all of them pass. `start` is for those cut short: the largest cameras' 200 megapixels are some 4.7 million blocks.
 struct work_limit_t {
     uint64_t start;
@@ -38,7 +38,7 @@ constexpr size_t growth_step = 0x100000;  // bytes
 
 constexpr int first_real_marker = 0xC0;  // ITU-T T.81 table B.1; lower codes are reserved
 
-// Messages of our own, numbered behind libjpeg's.
+// Messages of our own, numbered after libjpeg's.
 enum own_message_t { msg_scans = 1000, msg_segments, msg_size, msg_end };
 constexpr const char* own_messages[] = {"JPEG file with more than %d scans", "JPEG file with more than %d segments",
                                         "JPEG picture of %d x %d pixels in too small a file"};
@@ -155,7 +155,7 @@ void install_source(j_decompress_ptr info, const jpegdata_t& data) {
     src_init(info);
 }
 
-// Offers the `room` bytes behind the first `used` ones to libjpeg.
+// Offers the `room` bytes after the first `used` ones to libjpeg.
 void offer(j_compress_ptr info, size_t used, size_t room) {
     destination_manager_t& destination = destination_of(info);
     if (!destination.data->resize(used + room)) {

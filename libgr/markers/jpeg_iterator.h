@@ -2,7 +2,7 @@
 
 namespace libgr {
 
-// Walks entropy-coded bytes up to `end`: a zero that is stuffed behind 0xFF (ITU-T T.81 F.1.2.3) is stepped over.
+// Walks entropy-coded bytes up to `end`: a zero that is stuffed after 0xFF (ITU-T T.81 F.1.2.3) is stepped over.
 class jpeg_iterator {
   public:
     jpeg_iterator(const unsigned char* position, const unsigned char* end) : position_(position), end_(end) {}

@@ -17,8 +17,8 @@ namespace libgr {
 class jpeginfo2_t {
   public:
     struct marker_t {
-        uint16_t marker = 0;     // whole code; 0 for the data behind the first scan header
-        libutils::bytes_t data;  // the body behind the length field, a view on the file's buffer
+        uint16_t marker = 0;     // whole code; 0 for the data after the first scan header
+        libutils::bytes_t data;  // the body after the length field, a view on the file's buffer
     };
 
     std::list<marker_t> markers;
@@ -28,13 +28,13 @@ class jpeginfo2_t {
     dht_marker_t dht_marker;
     dri_marker_t dri_marker;
     sos_marker_t sos_marker;
-    libutils::bytes_t entropy_coded_data;  // from behind the first scan header to the end of the file
+    libutils::bytes_t entropy_coded_data;  // from after the first scan header to the end of the file
 
     // Reads no file; the path is not kept.
     explicit jpeginfo2_t(const char* path);
 
     // Lists the segments of `data` up to the first scan and parses frame, tables and scan header. Refusals are one line
-    // on standard error; a file with bytes behind an EOI in front of any scan is refused without one.
+    // on standard error; a file with bytes after an EOI before any scan is refused without one.
     [[nodiscard]] bool analyze(jpegdata2_t& data);
 
     // The body of the first segment with `code`, an empty view when there is none. It stays valid after the reader.

@@ -9,7 +9,7 @@
 
 namespace libgr {
 
-// What the parsers of the header segments share. Each is a view on one segment's body: byte 0 is the first one behind
+// What the parsers of the header segments share. Each is a view on one segment's body: byte 0 is the first one after
 // the two length bytes (ITU-T T.81 annex B.2). Values are big-endian.
 //
 // parse() reads the view that was set before; a refusal is one line on standard error and gives false, and the fields

@@ -19,7 +19,7 @@ struct reduction_t {
 };
 
 // Makes the wanted levels of `source` in one pass over its rows: never is a whole picture in memory, except for the
-// coefficients of a file in several scans. Every byte is the one that jpeginfo_t::decompress(), scaledown() once a
+// coefficients of a file in several scans. Every byte is the one that jpeginfo_t::decompress(), scaledown() once per
 // level and jpeginfo_t::compress() make.
 //
 // False, without a message, for whatever is not a plain good case: a file that libjpeg has anything to say about,

@@ -13,7 +13,7 @@ HWY_BEFORE_NAMESPACE();
 namespace libgr::HWY_NAMESPACE {
 namespace {
 
-// JFIF's factors in 16 bits behind the point.
+// JFIF's factors in 16 bits after the point.
 constexpr int fixed(double factor) {
     return static_cast<int>(factor * 65536 + (factor < 0 ? -0.5 : 0.5));
 }
@@ -137,7 +137,7 @@ HWY_INLINE long_lanes_t operator+(const long_lanes_t& a, int b) {
     return {hn::Add(a.even, hn::Set(longs_tag, b)), hn::Add(a.odd, hn::Set(longs_tag, b))};
 }
 
-// Values of 0 to 255, times one half in 16 bits behind the point.
+// Values of 0 to 255, times one half in 16 bits after the point.
 HWY_INLINE long_lanes_t halves(words_t values) {
     const auto longs = hn::BitCast(longs_tag, values);
     const auto high = hn::Set(longs_tag, static_cast<int32_t>(0xFFFF0000));

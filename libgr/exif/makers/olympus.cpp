@@ -29,7 +29,7 @@ bool read_note(tiff_header_t& tiff, libutils::bytes_t& note) {
     if (entries == 0 || note.size() < ifd_size) {
         return false;
     }
-    // The test above leaves the header out, so the directory may end up to 8 bytes behind the note.
+    // The test above leaves the header out, so the directory may end up to 8 bytes past the note.
     libutils::bytes_t ifd = tiff.subview(note.offset - tiff.offset + header_size, ifd_size);
     return tiff.parse_olympus_ifd(ifd);
 }
