@@ -11,6 +11,7 @@
 #include "album/import_file.h"
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "settings/settings.h"
 
 namespace taloram {
@@ -81,7 +82,7 @@ double free_bytes(std::string path) {
         if (path.empty() || path == "/") {
             return -1;
         }
-        path = libutils::strip_trailing_slash(path.substr(0, path.rfind('/') + 1));
+        path = libutils::strip_trailing_slash(libutils::directory_part(path));
     }
     if (status.f_blocks == 0) {
         return -1;

@@ -16,6 +16,7 @@
 #include "dialogs/view_album_dialog.h"
 #include "dialogs/view_book_dialog.h"
 #include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "shooting_data/exif_summary.h"
@@ -55,9 +56,10 @@ Gtk::Button& row_button(e_message_local_t text, const std::string& name) {
 MenuWindow::MenuWindow(int argc, char** argv)
     : argc_(argc),
       argv_(argv),
-      program_directory_(libutils::dirname(argv[0])),
+      program_directory_(libutils::directory_part(argv[0])),
       program_name_(libutils::basename(argv[0])) {
-    library_directory_ = libutils::dirname(talolib::init_message(program_directory_.c_str(), program_name_.c_str()));
+    library_directory_ =
+        libutils::directory_part(talolib::init_message(program_directory_.c_str(), program_name_.c_str()));
     load_settings();
     initexif(program_directory_.c_str(), program_name_.c_str());
     apply_command_line();

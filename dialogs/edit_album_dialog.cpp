@@ -15,7 +15,7 @@
 #include "dialogs/thumbnails.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
-#include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "talolib/option.h"
 #include "toolkit/text_encoding.h"
 
@@ -54,7 +54,7 @@ void set_wrapped_text(Gtk::Label& label, const Glib::ustring& text) {
 }  // namespace
 
 EditAlbumDialog::EditAlbumDialog(Gtk::Window& parent, const std::string& album)
-    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::filename(album)), parent, true),
+    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::last_component(album)), parent, true),
       album_(album),
       mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::APPLY, Gtk::Stock::CANCEL})),
       table_(1, 1),

@@ -21,7 +21,7 @@
 #include "dialogs/table_scroller.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
-#include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "libutils/text.h"
 #include "settings/settings.h"
 #include "talolib/option.h"
@@ -338,7 +338,7 @@ bool EditBookDialog::import_album(const album_order_t& order) {
     std::vector<std::string> left_out;
     bool made = taloram::import_album(order.source, order.files, order.album, {}, progress_.signals(), left_out);
     if (made) {
-        const std::string base = libutils::strip_trailing_slash(libutils::dirname(order.album));
+        const std::string base = libutils::parent_directory(order.album);
         talolib::trace(std::cout, base, ": basedir.");
         made = makehtmlbook(base);
         if (!made) {

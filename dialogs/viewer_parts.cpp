@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "album/comment_store.h"
-#include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "libutils/text.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
@@ -32,7 +32,8 @@ void viewer_texts_t::load(const std::string& directory) {
     loadcommenttxt(directory, title_text, head_text, last_text);
     libutils::chop2(title_text);
     title.set_markup(
-        "<b>" + Glib::Markup::escape_text(to_toolkit(title_text.empty() ? libutils::filename(directory) : title_text)) +
+        "<b>" +
+        Glib::Markup::escape_text(to_toolkit(title_text.empty() ? libutils::last_component(directory) : title_text)) +
         "</b>");
     title.set_ellipsize(Pango::ELLIPSIZE_END);
     title.set_tooltip_text(title.get_text());

@@ -1,6 +1,5 @@
 #include "libutils/path.h"
 
-#include <strings.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -99,10 +98,10 @@ int extcasecmp(const std::string& name, const char* ext) {
     if (length > name.size()) {
         return -1;
     }
-    const auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : static_cast<unsigned char>(c); };
+    const auto folded = [](char c) { return static_cast<unsigned char>(lower(c)); };
     const size_t start = name.size() - length;
     for (size_t i = 0; i < length; ++i) {
-        if (const int difference = lower(name[start + i]) - lower(ext[i]); difference != 0) {
+        if (const int difference = folded(name[start + i]) - folded(ext[i]); difference != 0) {
             return difference;
         }
     }

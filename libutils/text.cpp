@@ -1,7 +1,6 @@
 #include "libutils/text.h"
 
-#include <strings.h>
-
+#include <algorithm>
 #include <climits>
 #include <cstring>
 #include <cwchar>
@@ -110,8 +109,21 @@ int stringcmp(const char* a, const char* b) {
     return std::strncmp(a, b, std::strlen(b));
 }
 
+std::string on_one_line(std::string text) {
+    chop(text);
+    size_t at = 0;
+    while ((at = text.find_first_of("\r\n", at)) != std::string::npos) {
+        text.replace(at, text.compare(at, 2, "\r\n") == 0 ? 2 : 1, " ");
+    }
+    return text;
+}
+
+bool equals_nocase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char c, char d) { return lower(c) == lower(d); });
+}
+
 bool begins_with_nocase(std::string_view text, std::string_view start) {
-    return text.size() >= start.size() && strncasecmp(text.data(), start.data(), start.size()) == 0;
+    return text.size() >= start.size() && equals_nocase(text.substr(0, start.size()), start);
 }
 
 std::ostream& operator<<(std::ostream& out, const _putn& value) {

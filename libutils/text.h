@@ -43,7 +43,16 @@ void cat(std::vector<std::string>& out, const std::list<std::string>& l);
 // Compares the first strlen(b) bytes of `a` with `b`: 0 when `a` begins with `b`.
 [[nodiscard]] int stringcmp(const char* a, const char* b);
 
-// The same without regard to the case of ASCII letters.
+// `text` as a value that fits on a line: without line ends behind it, and with a blank for each one inside.
+[[nodiscard]] std::string on_one_line(std::string text);
+
+// An ASCII letter in lower case, and any other byte as it is, whatever the locale says.
+[[nodiscard]] constexpr char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+// Comparisons without regard to the case of ASCII letters, and of no others.
+[[nodiscard]] bool equals_nocase(std::string_view a, std::string_view b);
 [[nodiscard]] bool begins_with_nocase(std::string_view text, std::string_view start);
 
 // Calls `visit(offset, length)` for every character of `text` in the locale's encoding; a byte that can't be converted

@@ -1,9 +1,8 @@
 #include "settings/settings.h"
 
-#include <strings.h>
-
 #include <cstdlib>
 
+#include "libutils/text.h"
 #include "talolib/locale_name.h"
 
 namespace taloram {
@@ -14,7 +13,7 @@ const char* page_charset(const std::string& locale) {
     if (locale == "ja_JP.SJIS" || locale == "ja-JP") {
         return "shift_jis";
     }
-    return strcasecmp(locale.c_str(), "ja_JP.eucJP") == 0 ? "euc-jp" : "UTF-8";
+    return libutils::equals_nocase(locale, "ja_JP.eucJP") ? "euc-jp" : "UTF-8";
 }
 
 std::string default_album() {

@@ -1,12 +1,13 @@
 #include "settings/settings_file.h"
 
 #include <cstdlib>
-#include <fstream>
+#include <list>
 #include <sstream>
 
 #include "libutils/diagnostics.h"
 #include "libutils/new_file.h"
 #include "libutils/path.h"
+#include "libutils/read_file.h"
 #include "libutils/text.h"
 #include "settings/settings.h"
 
@@ -20,15 +21,33 @@ uint64_t parse_number(const char* text, char** end = nullptr) {
 }
 
 // Width, one character of any kind, height. Without a second number the height keeps its value.
-void parse_shrink_size(const std::string& value) {
+bool parse_shrink_size(const std::string& value) {
     char* end = nullptr;
-    g_global.shrink_width = parse_number(value.c_str(), &end);
-    if (end[0] != '\0' && end[1] != '\0') {
-        g_global.shrink_height = parse_number(end + 1);
+    const uint64_t width = parse_number(value.c_str(), &end);
+    const bool has_height = end[0] != '\0' && end[1] != '\0';
+    const uint64_t height = has_height ? parse_number(end + 1) : g_global.shrink_height;
+    if (width == 0 || height == 0) {
+        return false;
     }
+    g_global.shrink_width = width;
+    g_global.shrink_height = height;
+    return true;
 }
 
-void apply_setting(const std::string& key, const std::string& value) {
+bool parse_within(uint64_t& number, const std::string& value, uint64_t least, uint64_t most) {
+    char* end = nullptr;
+    const uint64_t parsed = parse_number(value.c_str(), &end);
+    if (end == value.c_str() || parsed < least || parsed > most) {
+        return false;
+    }
+    number = parsed;
+    return true;
+}
+
+// False for a value that can't be used; the one from before stands.
+bool apply_setting(const std::string& key, const std::string& value) {
+    constexpr uint64_t best_quality = 100;
+    constexpr uint64_t most_items = 1000;  // wider than any screen
     if (key == "from") {
         g_global.from = value;
     } else if (key == "album") {
@@ -38,14 +57,19 @@ void apply_setting(const std::string& key, const std::string& value) {
     } else if (key == "html_address") {
         g_global.html_address = value;
     } else if (key == "shrink_size") {
-        parse_shrink_size(value);
+        return parse_shrink_size(value);
     } else if (key == "jpeg_compress") {
-        g_global.jpeg_compress = parse_number(value.c_str());
+        return parse_within(g_global.jpeg_compress, value, 0, best_quality);
     } else if (key == "horizontal_items") {
-        g_global.horizontal_items = parse_number(value.c_str());
+        return parse_within(g_global.horizontal_items, value, 1, most_items);
     } else if (key != "shrink_level") {  // of earlier settings files
         libutils::report("Unrecognized name: ", key);
     }
+    return true;
+}
+
+void write_text(std::ostream& out, const char* key, const std::string& value) {
+    writeiniline(out, key, libutils::on_one_line(value));
 }
 
 }  // namespace
@@ -56,15 +80,23 @@ std::string inifile(const char* /*dir*/, const char* name) {
 }
 
 bool loadini(const char* dir, const char* name) {
-    std::ifstream in(inifile(dir, name));
-    if (!in) {
-        return false;
+    constexpr uint64_t longest = uint64_t{16} << 20;  // bytes
+    const std::string path = inifile(dir, name);
+    std::string text;
+    if (const std::error_code failure = libutils::read_file(text, path, longest)) {
+        if (path.empty() || libutils::is_absent(failure) || failure == std::errc::permission_denied) {
+            return false;
+        }
+        libutils::report(path, ": can't be read, ", failure.message());
+        return true;
     }
-    for (std::string line; std::getline(in, line);) {
+    std::list<std::string> lines;
+    libutils::separate_token(lines, text, "\n");
+    for (std::string& line : lines) {
         libutils::chop(line);
         std::pair<std::string, std::string> setting;
-        if (libutils::separate_first_token(setting, line, '=')) {
-            apply_setting(setting.first, setting.second);
+        if (libutils::separate_first_token(setting, line, '=') && !apply_setting(setting.first, setting.second)) {
+            libutils::report(path, ": can't be used: ", line);
         }
     }
     return true;
@@ -73,13 +105,13 @@ bool loadini(const char* dir, const char* name) {
 void saveini(const char* dir, const char* name) {
     std::ostringstream out;
     const libutils::classic_numbers numbers(out);
-    writeiniline(out, "from", g_global.from);
-    writeiniline(out, "album", g_global.album);
+    write_text(out, "from", g_global.from);
+    write_text(out, "album", g_global.album);
     writeiniline(out, "shrink_size", libutils::join_text(g_global.shrink_width, ",", g_global.shrink_height));
     writeiniline(out, "jpeg_compress", g_global.jpeg_compress);
     writeiniline(out, "horizontal_items", g_global.horizontal_items);
-    writeiniline(out, "html_header", g_global.html_header);
-    writeiniline(out, "html_address", g_global.html_address);
+    write_text(out, "html_header", g_global.html_header);
+    write_text(out, "html_address", g_global.html_address);
     libutils::new_file_t file(inifile(dir, name), libutils::staging_t::beside);
     file.open_as_old();
     file.write(out.str());

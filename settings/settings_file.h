@@ -9,10 +9,13 @@ namespace taloram {
 [[nodiscard]] std::string inifile(const char* dir, const char* name);
 
 // Reads the settings file into g_global; fields that it does not name keep their values. An unknown key is reported and
-// passed over. False, without a message, when the file can't be opened.
+// passed over; of a value that can't be used, as a size of 0, the line is reported and the field keeps its value.
+// False, without a message, when the file can't be opened. One that can be opened but not read, or that is no regular
+// file, is reported and changes nothing.
 [[nodiscard]] bool loadini(const char* dir, const char* name);
 
-// Writes g_global to the settings file; the old one stays when that fails. Reports nothing.
+// Writes g_global to the settings file; the old one stays when that fails. Texts lose their line ends: a setting is a
+// line. Reports nothing.
 void saveini(const char* dir, const char* name);
 
 // One line of the settings file: key, "=", value, CR LF.

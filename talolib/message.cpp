@@ -1,14 +1,16 @@
 #include "talolib/message.h"
 
-#include <sys/stat.h>
+#include <langinfo.h>
 
 #include <algorithm>
 #include <clocale>
-#include <fstream>
+#include <cstring>
 #include <iostream>
 
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
+#include "libutils/read_file.h"
+#include "libutils/text.h"
 #include "talolib/locale_name.h"
 #include "talolib/option.h"
 
@@ -41,18 +43,28 @@ bool load_from_any_place(std::string& path, const std::string& dir, const std::s
     return load_message(g_catalogue, path.c_str());
 }
 
-bool names_utf8(const std::string& locale) {
-    return locale.ends_with(".UTF-8") || locale.ends_with(".utf8");
+// Names that say nothing of characters mean UTF-8, as pages do.
+bool means_utf8(const std::string& locale) {
+    const size_t dot = locale.rfind('.');
+    const std::string charset = dot == std::string::npos ? "" : locale.substr(dot + 1);
+    return charset.empty() ? locale != "ja-JP"
+                           : libutils::equals_nocase(charset, "UTF-8") || libutils::equals_nocase(charset, "utf8");
+}
+
+// The locale of the environment. "C" and "POSIX", and one that the system doesn't have, would leave ASCII, with "?" for
+// most of what is typed.
+void set_locale(const std::string& name) {
+    std::setlocale(LC_ALL, "");
+    if (means_utf8(name) && std::strcmp(nl_langinfo(CODESET), "ANSI_X3.4-1968") == 0) {
+        std::setlocale(LC_CTYPE, "C.UTF-8");
+    }
 }
 
 }  // namespace
 
 std::string init_message(const char* dir, const char* name) {
     const std::string locale = get_locale_name();
-    // A locale that the system doesn't have would leave ASCII, with "?" for most of what is typed.
-    if (std::setlocale(LC_ALL, "") == nullptr && names_utf8(locale)) {
-        std::setlocale(LC_CTYPE, "C.UTF-8");
-    }
+    set_locale(locale);
     const std::string filename = std::string(name) + (locale.empty() ? "" : "." + locale) + ".msg";
     trace(std::cerr, "init_message() entering.");
 
@@ -86,17 +98,12 @@ void make_title2(std::string& title, const char* a, const char* b) {
 }
 
 bool load_message(std::vector<char>& buffer, const char* path) {
-    struct stat status {};
-    if (stat(path, &status) != 0 || !S_ISREG(status.st_mode)) {
+    constexpr uint64_t longest = uint64_t{16} << 20;  // bytes
+    std::string text;
+    if (libutils::read_file(text, path, longest)) {
         return false;
     }
-    buffer.assign(static_cast<size_t>(status.st_size), '\0');
-    std::ifstream in(path, std::ios::binary);
-    if (!in) {
-        return false;
-    }
-    in.read(buffer.data(), static_cast<std::streamsize>(buffer.size()));
-    buffer.resize(static_cast<size_t>(in.gcount()));
+    buffer.assign(text.begin(), text.end());
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "libutils/path.h"
+#include "libutils/system_path.h"
 
 namespace talolib {
 
@@ -27,13 +28,13 @@ std::string executable_path() {
 std::string program_path(const std::string& argv0, const std::string& name) {
     const std::string catalogue = name + ".msg";
     // Without a directory it was found along PATH; the current directory, which "" stands for, is another one.
-    if (const std::string directory = libutils::dirname(argv0);
+    if (const std::string directory = libutils::directory_part(argv0);
         !directory.empty() && libutils::is_exist(directory + catalogue)) {
         return argv0;
     }
-    const std::string own_directory = libutils::dirname(executable_path());
+    const std::string own_directory = libutils::directory_part(executable_path());
     const bool is_found = !own_directory.empty() && libutils::is_exist(own_directory + catalogue);
-    return is_found ? own_directory + libutils::filename(argv0) : argv0;
+    return is_found ? own_directory + libutils::last_component(argv0) : argv0;
 }
 
 }  // namespace talolib

@@ -52,10 +52,10 @@ bool wait_for_writer(const std::string& directory) {
 }
 
 void start_up(const char* program, const run_options_t& options = {}) {
-    const std::string directory = libutils::dirname(talolib::program_path(program, program_name));
+    const std::string directory = libutils::directory_part(talolib::program_path(program, program_name));
     const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
     // Without a settings file the defaults stand.
-    std::ignore = loadini(libutils::dirname(catalogue).c_str(), program_name);
+    std::ignore = loadini(libutils::directory_part(catalogue).c_str(), program_name);
     if (options.shrink_size) {
         g_global.shrink_width = options.shrink_size->width;
         g_global.shrink_height = options.shrink_size->height;

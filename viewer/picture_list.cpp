@@ -5,6 +5,7 @@
 
 #include "libutils/directory.h"
 #include "libutils/path.h"
+#include "libutils/system_path.h"
 
 namespace talovue {
 
@@ -32,7 +33,7 @@ bool append_directory(std::vector<std::string>& paths, const std::string& direct
 // A file that can't be listed with its directory is still shown by itself.
 picture_list_t list_around(const std::string& file) {
     picture_list_t list;
-    static_cast<void>(append_directory(list.paths, libutils::dirname(file)));
+    static_cast<void>(append_directory(list.paths, libutils::directory_part(file)));
     const auto place = std::lower_bound(list.paths.begin(), list.paths.end(), file);
     list.first = static_cast<size_t>(place - list.paths.begin());
     if (place == list.paths.end() || *place != file) {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "libutils/path.h"
+#include "libutils/system_path.h"
 #include "toolkit/text_encoding.h"
 
 namespace talovue {
@@ -52,7 +52,7 @@ void picture_view_t::show_picture(size_t index) {
     if (find(index_) == nullptr) {
         late_ = Glib::signal_timeout().connect(sigc::mem_fun(*this, &picture_view_t::leave), longest_leave);
     }
-    get_accessible()->set_name(paths_.empty() ? "" : taloram::to_toolkit(libutils::filename(path())));
+    get_accessible()->set_name(paths_.empty() ? "" : taloram::to_toolkit(libutils::last_component(path())));
     fit();
 }
 
@@ -232,7 +232,7 @@ bool picture_view_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         draw_text(cr, taloram::message_text(taloram::msg_no_pictures));
         return true;
     }
-    const Glib::ustring name = taloram::to_toolkit(libutils::filename(path()));
+    const Glib::ustring name = taloram::to_toolkit(libutils::last_component(path()));
     const entry_t* const entry = find(index_);
     if (const taloram::shown_picture_t* const picture = shown()) {
         draw_picture(cr, *picture);

@@ -6,8 +6,8 @@
 #include <iostream>
 
 #include "libutils/diagnostics.h"
-#include "libutils/path.h"
 #include "libutils/program.h"
+#include "libutils/system_path.h"
 #include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
 #include "talolib/program_path.h"
@@ -24,7 +24,7 @@ int show(int argc, char** argv, const talovue::command_line_t& line, talovue::pi
     }
     Gtk::Main toolkit(argc, argv);
     Gtk::Window::set_default_icon_name("talovue3");
-    const std::string directory = libutils::dirname(talolib::program_path(argv[0], "taloram"));
+    const std::string directory = libutils::directory_part(talolib::program_path(argv[0], "taloram"));
     static_cast<void>(talolib::init_message(directory.c_str(), "taloram"));
     taloram::initexif(directory.c_str(), "taloram");
     talovue::viewer_window_t window(std::move(list));

@@ -10,8 +10,8 @@
 #include <utility>
 
 #include "libutils/diagnostics.h"
-#include "libutils/path.h"
 #include "libutils/program.h"
+#include "libutils/system_path.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
 
@@ -85,7 +85,7 @@ Glib::ustring viewer_window_t::title() const {
     if (view_.count() == 0) {
         return message_text(taloram::msg_viewer);
     }
-    std::vector<Glib::ustring> parts = {to_toolkit(libutils::filename(view_.path())),
+    std::vector<Glib::ustring> parts = {to_toolkit(libutils::last_component(view_.path())),
                                         libutils::join_text(view_.index() + 1, " / ", view_.count())};
     const picture_view_t::facts_t facts = view_.facts();
     if (facts.known && facts.failure.empty()) {
@@ -104,7 +104,7 @@ void viewer_window_t::refresh_info() {
         return;
     }
     const picture_view_t::facts_t facts = view_.facts();
-    const Glib::ustring name = to_toolkit(libutils::filename(view_.path()));
+    const Glib::ustring name = to_toolkit(libutils::last_component(view_.path()));
     std::vector<Glib::ustring> lines = {"<b>" + Glib::Markup::escape_text(name) + "</b>"};
     if (!facts.failure.empty()) {
         lines.push_back(Glib::Markup::escape_text(to_toolkit(facts.failure)));

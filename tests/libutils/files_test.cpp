@@ -6,6 +6,7 @@
 #include "libutils/directory.h"
 #include "libutils/file_copy.h"
 #include "libutils/path.h"
+#include "libutils/read_file.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 
@@ -54,6 +55,46 @@ TEST(FileCopy, CopiesBytesAndTimes) {
             EXPECT_EQ(read_file(dir / "from").size(), size) << "a copy onto itself";
         }
     }
+}
+
+TEST(Listings, UnfinishedFilesAreLeftOut) {
+    const test_support::temp_dir_t dir;
+    for (const char* name : {".taloram-new-12-3", ".taloram-new-12", ".taloram-new-a-3"}) {
+        write_file(dir / name, std::string("x"));
+    }
+    std::list<std::string> names;
+    EXPECT_FALSE(libutils::list_files(names, dir.path()));
+    EXPECT_THAT(names, ElementsAre(".taloram-new-12", ".taloram-new-a-3"));
+    EXPECT_TRUE(libutils::is_absent(libutils::list_files(names, dir / "missing")));
+    EXPECT_TRUE(libutils::is_absent(libutils::list_files(names, dir / ".taloram-new-12/below")));
+}
+
+TEST(ReadFile, ReadsRegularFilesOnly) {
+    const test_support::temp_dir_t dir;
+    write_file(dir / "text", std::string("text"));
+    ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0600), 0);
+    std::string text = "old";
+    for (const char* name : {"pipe", "../../dev/zero", "."}) {
+        const std::error_code failure = libutils::read_file(text, dir / name, 10);
+        EXPECT_TRUE(failure && !libutils::is_absent(failure)) << name;
+    }
+    EXPECT_TRUE(libutils::is_absent(libutils::read_file(text, dir / std::string(300, 'n'), 10)));
+    EXPECT_EQ(libutils::read_file(text, dir / "text", 3), std::errc::file_too_large);
+    EXPECT_EQ(text, "old");
+    EXPECT_FALSE(libutils::read_file(text, dir / "text", 4));
+    EXPECT_EQ(text, "text");
+}
+
+TEST(FileCopy, EveryFailureCounts) {
+    const test_support::temp_dir_t dir;
+    write_file(dir / "from", std::string(2000, 'x'));
+    ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0600), 0);
+    EXPECT_FALSE(libutils::copy_file(dir / "from", dir / "to"));
+    EXPECT_EQ(read_file(dir / "to").size(), 2000U);
+    EXPECT_TRUE(libutils::is_absent(libutils::copy_file(dir / "missing", dir / "to")));
+    EXPECT_TRUE(libutils::copy_file(dir / "pipe", dir / "to"));
+    const test_support::file_size_limit_t limit(1000);
+    EXPECT_EQ(libutils::copy_file(dir / "from", dir / "to"), std::errc::file_too_large);
 }
 
 TEST(FileCopy, Failures) {

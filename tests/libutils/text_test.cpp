@@ -102,6 +102,23 @@ TEST(Text, ChopsAndTokens) {
     EXPECT_EQ(pair, (std::pair<std::string, std::string>("key", "value=x")));
 }
 
+TEST(Text, ValuesStayOnTheirLine) {
+    EXPECT_EQ(libutils::on_one_line("a\r\nb\nc\rd\r\n"), "a b c d");
+    EXPECT_EQ(libutils::on_one_line("\n\na"), "  a");
+}
+
+// In a locale with a dotted i, or of one byte a letter, the system's comparison differs.
+TEST(Text, OnlyAsciiLettersHaveTwoCases) {
+    for (const char* locale : {"C", "tr_TR.UTF-8", "de_DE.ISO-8859-1"}) {
+        std::setlocale(LC_CTYPE, locale);  // unless the system doesn't have it
+        EXPECT_TRUE(libutils::begins_with_nocase("RICOH Imaging", "Ricoh"));
+        EXPECT_FALSE(libutils::begins_with_nocase("Ric", "Ricoh"));
+        EXPECT_FALSE(libutils::equals_nocase("\xC4", "\xE4"));
+        EXPECT_FALSE(libutils::equals_nocase("ab", "a"));
+    }
+    std::setlocale(LC_CTYPE, "C");
+}
+
 TEST(Text, StreamHelpers) {
     std::ostringstream out;
     {

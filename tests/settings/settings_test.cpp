@@ -1,6 +1,8 @@
 #include "settings/settings.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include "settings/settings_file.h"
 #include "tests/support/fixtures.h"
@@ -9,6 +11,11 @@
 using taloram::g_global;
 
 namespace {
+
+// `message` with the settings file for "~".
+std::string in(const test_support::temp_dir_t& home, const std::string& message) {
+    return message.starts_with('~') ? home / ".taloram" + message.substr(1) : message;
+}
 
 TEST(Settings, DefaultsDependOnTheEnvironment) {
     struct case_t {
@@ -38,6 +45,7 @@ TEST(Settings, FileKeepsEverySetting) {
     taloram::global_t settings;
     settings.from = " a=b ";
     settings.album = "";
+    settings.html_header = "<meta>\r\njpeg_compress=1\n";
     settings.shrink_width = 12800;
     settings.jpeg_compress = 7;
     g_global = settings;
@@ -47,8 +55,9 @@ TEST(Settings, FileKeepsEverySetting) {
     }
     const auto file = test_support::read_file(home / ".taloram");
     EXPECT_EQ(std::string(file.begin(), file.end()),
-              "from= a=b \r\nalbum=\r\nshrink_size=12800,768\r\njpeg_compress=7\r\nhorizontal_items=5\r\nhtml_header=" +
-                  settings.html_header + "\r\nhtml_address=" + settings.html_address + "\r\n");
+              "from= a=b \r\nalbum=\r\nshrink_size=12800,768\r\njpeg_compress=7\r\nhorizontal_items=5\r\n"
+              "html_header=<meta> jpeg_compress=1\r\nhtml_address=" +
+                  settings.html_address + "\r\n");
     {
         const test_support::file_size_limit_t limit(file.size() / 2);
         taloram::saveini("", "taloram");
@@ -75,9 +84,14 @@ TEST(Settings, NumbersAndUnknownKeys) {
         {"shrink_size=0x20x010", 32, 8, 1, ""},
         {"shrink_size=800", 800, 2, 1, ""},
         {"shrink_size=800,", 800, 2, 1, ""},
-        {"shrink_size=", 0, 2, 1, ""},
+        {"shrink_size=", 1, 2, 1, "~: can't be used: shrink_size=\n"},
+        {"shrink_size=abc", 1, 2, 1, "~: can't be used: shrink_size=abc\n"},
+        {"shrink_size=0,0", 1, 2, 1, "~: can't be used: shrink_size=0,0\n"},
+        {"shrink_size=800,x", 1, 2, 1, "~: can't be used: shrink_size=800,x\n"},
         {"jpeg_compress=010\r", 1, 2, 8, ""},
-        {"jpeg_compress=fine", 1, 2, 0, ""},
+        {"jpeg_compress=fine", 1, 2, 1, "~: can't be used: jpeg_compress=fine\n"},
+        {"jpeg_compress=101", 1, 2, 1, "~: can't be used: jpeg_compress=101\n"},
+        {"horizontal_items=0", 1, 2, 1, "~: can't be used: horizontal_items=0\n"},
         {"shrink_level=3", 1, 2, 1, ""},
         {"no setting", 1, 2, 1, ""},
         {"Quality=3", 1, 2, 1, "Unrecognized name: Quality\n"},
@@ -88,10 +102,30 @@ TEST(Settings, NumbersAndUnknownKeys) {
         g_global.shrink_height = 2;
         g_global.jpeg_compress = 1;
         test_support::write_file(home / ".taloram", std::string(c.line) + "\n");
-        EXPECT_EQ(test_support::stderr_of([] { EXPECT_TRUE(taloram::loadini("", "taloram")); }), c.error);
+        EXPECT_EQ(test_support::stderr_of([] { EXPECT_TRUE(taloram::loadini("", "taloram")); }), in(home, c.error));
         EXPECT_EQ(g_global.shrink_width, c.width);
         EXPECT_EQ(g_global.shrink_height, c.height);
         EXPECT_EQ(g_global.jpeg_compress, c.quality);
+        EXPECT_EQ(g_global.horizontal_items, 5U);
+    }
+}
+
+TEST(Settings, WhatIsNoFileIsNeitherReadNorReplaced) {
+    const test_support::temp_dir_t home;
+    const std::string path = home / ".taloram";
+    setenv("HOME", home.path().c_str(), 1);
+    const taloram::global_t defaults;
+    g_global = defaults;
+    for (const char* device : {"/dev/zero", "", "/dev/null"}) {
+        SCOPED_TRACE(device);
+        ASSERT_EQ(*device == '\0' ? mkfifo(path.c_str(), 0600) : symlink(device, path.c_str()), 0);
+        EXPECT_EQ(test_support::stderr_of([] { EXPECT_TRUE(taloram::loadini("", "taloram")); }),
+                  path + ": can't be read, not a regular file\n");
+        EXPECT_EQ(g_global.from, defaults.from);
+        taloram::saveini("", "taloram");
+        struct stat status {};
+        EXPECT_TRUE(stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) << "it stays";
+        ASSERT_EQ(unlink(path.c_str()), 0);
     }
 }
 

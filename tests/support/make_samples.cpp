@@ -60,14 +60,17 @@ void write_samples(const std::string& directory) {
 void write_small_samples(const std::string& directory, unsigned count, unsigned seed) {
     constexpr size_t rest = 100'000;  // bytes
     constexpr unsigned shrunk = 6;    // times
+    constexpr unsigned widths = 100;  // bounded, so that each photograph takes the same time
+    constexpr size_t digits = 4;      // as cameras count, and more for more
     for (unsigned i = 0; i < count; ++i) {
         sample_t sample = samples[i % std::size(samples)];
-        sample.width = sample.width / shrunk + i;
+        sample.width = sample.width / shrunk + i % widths;
         sample.height /= shrunk;
         blob_t jpeg = make_photo(sample, seed + i);
         jpeg.resize(jpeg.size() + (i % 5 == 0 ? rest + seed : 0), 'x');
-        const std::string number = std::to_string(10001 + i).substr(1);
-        write_file(directory + "/IMG_" + number + ".JPG", jpeg);
+        const std::string number = std::to_string(i + 1);
+        const std::string zeros(number.size() < digits ? digits - number.size() : 0, '0');
+        write_file(directory + "/IMG_" + zeros + number + ".JPG", jpeg);
     }
     write_file(directory + "/MVI_9999.MOV", empty_movie() + std::string(30 * rest + seed, 'x'));
     write_file(directory + "/IMG_0001.JPG.txt", std::string("The harbour at noon.\r\n"));

@@ -1,7 +1,10 @@
 #include "talolib/message.h"
 
 #include <gtest/gtest.h>
+#include <langinfo.h>
 #include <unistd.h>
+
+#include <clocale>
 
 #include "libutils/path.h"
 #include "talolib/option.h"
@@ -50,6 +53,26 @@ TEST(Catalogue, LocalesAndPlaces) {
     EXPECT_EQ(test_support::stderr_of([&] { talolib::init_message((dir / "").c_str(), name.c_str()); }),
               "init_message() entering.\npath: " + path + "\ninit_message() leaving.\n");
     talolib::g_option[talolib::option_trace] = 0;
+}
+
+TEST(Catalogue, CharactersAreUtf8UnlessTheLocaleNamesOthers) {
+    struct case_t {
+        const char *lang, *charset;
+    };
+    for (const case_t& c : {case_t{"", "UTF-8"},
+                            {"C", "UTF-8"},
+                            {"POSIX", "UTF-8"},
+                            {"xx_XX.utf8", "UTF-8"},
+                            {"xx_XX", "UTF-8"},
+                            {"xx_XX.eucJP", "ANSI_X3.4-1968"}}) {
+        SCOPED_TRACE(c.lang);
+        std::setlocale(LC_ALL, "C");
+        setenv("LANG", c.lang, 1);
+        static_cast<void>(test_support::stderr_of([] { talolib::init_message("/", "no-such-program"); }));
+        EXPECT_STREQ(nl_langinfo(CODESET), c.charset);
+    }
+    unsetenv("LANG");
+    std::setlocale(LC_ALL, "C");
 }
 
 }  // namespace
