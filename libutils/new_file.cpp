@@ -6,8 +6,9 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
-#include <list>
+#include <map>
 
 #include "libutils/directory.h"
 #include "libutils/followed_link.h"
@@ -44,6 +45,18 @@ bool is_same_mount(const std::string& a, const std::string& b) {
 bool is_closed(const std::error_code& failure) {
     return failure == std::errc::cross_device_link || failure == std::errc::permission_denied ||
            failure == std::errc::operation_not_permitted || failure == std::errc::read_only_file_system;
+}
+
+// At most once a second in each directory: an album's files are made by the thousand.
+void remove_leftovers_now_and_then(const std::string& directory) {
+    using clock_t = std::chrono::steady_clock;
+    static std::map<std::string, clock_t::time_point> looked_at;
+    const auto now = clock_t::now();
+    const auto [place, is_new] = looked_at.emplace(directory, now);
+    if (is_new || now - place->second >= std::chrono::seconds(1)) {
+        place->second = now;
+        remove_leftovers(directory);
+    }
 }
 
 // How file systems and kernels without files that have no name say so; anything else is wrong with a named one too.
@@ -115,6 +128,9 @@ std::error_code new_file_t::open_as_old(const links_t& links) {
         return failure_;
     }
     failure_ = follow_link(path_, links);
+    if (staging_ != staging_t::none) {
+        remove_leftovers_now_and_then(staging_directories().front());
+    }
     struct stat old {};
     if (failure_ || lstat(path_.c_str(), &old) != 0 || S_ISLNK(old.st_mode)) {
         return open();
@@ -169,17 +185,22 @@ void new_file_t::hold(int descriptor) {
     static_cast<void>(flock(descriptor_, LOCK_SH | LOCK_NB));
 }
 
-// Calls `make(path)` with new names until one succeeds. ".." is above where the directory really lies, also behind
-// a symbolic link.
-template <typename Make>
-std::error_code new_file_t::make_temporary(Make make) {
+// Those to be tried, one after the other. ".." is above where the directory really lies, also behind a symbolic link.
+std::list<std::string> new_file_t::staging_directories() const {
     const std::string beside = directory_of_path();
     const std::string above = beside + "/..";
+    if (staging_ == staging_t::beside || !is_same_mount(above, beside)) {
+        return {beside};
+    }
+    return {above, beside};
+}
+
+// Calls `make(path)` with new names until one succeeds.
+template <typename Make>
+std::error_code new_file_t::make_temporary(Make make) {
     std::error_code first;
-    for (const std::string& directory : {staging_ == staging_t::beside ? beside : above, beside}) {
-        if (directory == above && !is_same_mount(above, beside)) {
-            continue;
-        }
+    for (const std::string& directory : staging_directories()) {
+        remove_leftovers_now_and_then(directory);
         std::error_code failure;
         do {
             temporary_ = next_temporary(directory);
@@ -204,6 +225,13 @@ std::error_code new_file_t::open_named() {
             return last_error();
         }
         hold(descriptor);
+        // Between the two calls another program may have taken it for a leftover.
+        struct stat status {};
+        if (fstat(descriptor, &status) != 0 || status.st_nlink == 0) {
+            close(descriptor);
+            descriptor_ = -1;
+            return make_error_code(std::errc::file_exists);
+        }
         return std::error_code();
     });
     current_path_ = temporary_;

@@ -2,6 +2,7 @@
 
 #include <sys/stat.h>
 
+#include <list>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,9 @@ enum class staging_t {
 // The bytes go into a file without a name where the file system offers that (O_TMPFILE), else into a hidden temporary;
 // commit() puts it in place. Another hard link of the old file keeps the old contents. Destroyed without commit() it
 // leaves nothing. A device, pipe or socket under the name is refused and stays.
+//
+// What a killed program left in the directory where the file is staged goes on the way, at least with open_as_old() and
+// unless it is staging_t::none.
 //
 // Every operation returns the first failure: after one the others do nothing and return it again, so that the result of
 // the last one is enough. No message.
@@ -62,6 +66,7 @@ class new_file_t {
     [[nodiscard]] std::error_code place();
     [[nodiscard]] std::error_code link_to(const std::string& name) const;
     [[nodiscard]] std::error_code replace_by_unnamed();
+    [[nodiscard]] std::list<std::string> staging_directories() const;
     template <typename Make>
     [[nodiscard]] std::error_code make_temporary(Make make);
     void hold(int descriptor);

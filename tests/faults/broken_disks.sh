@@ -68,6 +68,22 @@ fail_copies() {
     echo "copies that fail"
 }
 
+# Above the directories of an album nothing may be written, or there is another file system.
+stage_beside() {
+    local error way
+    for error in EXDEV EACCES EPERM EROFS; do
+        for way in "" "$bin/restricted --no-unnamed-files"; do
+            rm -rf "$album"
+            cp -a "$reference" "$album"
+            # shellcheck disable=SC2086
+            ends_with 0 failing "linkat:$error:0:/../.taloram-new-;open:$error:0:/../.taloram-new-" $way \
+                "$bin/talomake" album "${sizes[@]}" --replace "$place/other-card" "$album"
+            is_same "$place/other" "$album"
+        done
+    done
+    echo "files staged beside their names"
+}
+
 # What can't be removed is named.
 fail_removals() {
     local part
@@ -114,5 +130,6 @@ prune=("${update[@]}" --prune)
 verify=("$bin/talomake" verify "$album")
 break_reading_off
 fail_copies
+stage_beside
 fail_removals
 note_flushes

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -94,6 +95,60 @@ TEST(NewFile, KeepsWhatTheUserArranged) {
     });
 }
 
+TEST(NewFile, LinksLeadWhereTheyMay) {
+    using others_t = links_t::others_t;
+    struct case_t {
+        const char *link, *target;
+        bool is_inside;
+        const char* written;  // when followed
+    };
+    constexpr case_t cases[] = {
+        {"album/txt/p", "../www/p", true, "album/www/p"},  // nothing there yet
+        {"album/txt/p", "q", true, "album/txt/q"},         // beside
+        {"album/txt/p", "chain", true, "album/www/p"},     // a link to a link
+        {"album/disk/p", "q", true, "elsewhere/q"},        // in a directory that is a link
+        {"album/txt/p", "../../elsewhere/p", false, "elsewhere/p"},
+        {"album/txt/p", "../disk/p", false, "elsewhere/p"},
+        {"album/txt/p", "../../album more/p", false, "album more/p"},
+        {"album/txt/p", "p", false, ""},  // to itself
+        {"album/txt/p", "../missing/p", false, ""},
+    };
+    for (const case_t& c : cases) {
+        for (const others_t others : {others_t::followed, others_t::refused, others_t::replaced}) {
+            SCOPED_TRACE(testing::Message() << c.link << " to " << c.target << ", " << static_cast<int>(others));
+            const temp_dir_t dir;
+            for (const char* name : {"/album/txt", "/album/www", "/album more", "/elsewhere"}) {
+                fs::create_directories(dir.path() + name);
+            }
+            fs::create_directory_symlink("../elsewhere", dir / "album/disk");
+            fs::create_symlink("../www/p", dir / "album/txt/chain");
+            fs::create_symlink(c.target, dir / c.link);
+            const bool has_target = *c.written != '\0';
+            const bool is_followed = has_target && (c.is_inside || others == others_t::followed);
+            const std::error_code failure =
+                replace_file(dir / c.link, staging_t::above, "text", {others, dir / "album"});
+            EXPECT_EQ(!failure, is_followed || others == others_t::replaced) << failure.message();
+            EXPECT_EQ(failure == refusal_t::leads_out, has_target && !is_followed && others == others_t::refused);
+            EXPECT_EQ(fs::is_symlink(dir / c.link), is_followed || others != others_t::replaced);
+            EXPECT_EQ(has_target && fs::exists(dir / c.written), is_followed);
+            EXPECT_EQ(!failure && text_of(dir / c.link) == "text", !failure);
+        }
+    }
+}
+
+TEST(NewFile, DevicesAndPipesStay) {
+    const temp_dir_t dir;
+    ASSERT_EQ(mkfifo((dir / "pipe").c_str(), 0600), 0);
+    fs::create_symlink("pipe", dir / "link");
+    for (const char* name : {"pipe", "link"}) {
+        EXPECT_EQ(replace_file(dir / name, staging_t::beside, "x"), refusal_t::not_a_file);
+    }
+    EXPECT_EQ(write_file(dir / "pipe", staging_t::beside, "x"), refusal_t::not_a_file);
+    EXPECT_FALSE(write_file(dir / "link", staging_t::beside, "x")) << "the link itself is replaced";
+    EXPECT_TRUE(fs::is_fifo(dir / "pipe") && fs::is_regular_file(dir / "link"));
+    EXPECT_EQ(std::distance(fs::directory_iterator(dir.path()), {}), 2) << "something was left";
+}
+
 TEST(NewFile, LeftoversGoWhenTheirProgramIsGone) {
     const temp_dir_t dir;
     for (const char* name : {".taloram-new-1-1", ".taloram", ".other"}) {
@@ -109,8 +164,9 @@ TEST(NewFile, LeftoversGoWhenTheirProgramIsGone) {
         EXPECT_TRUE(fs::exists(dir / ".taloram-new-2-1")) << "still being written";
     }
     EXPECT_TRUE(!fs::exists(dir / ".taloram-new-1-1") && fs::exists(dir / ".taloram") && fs::exists(dir / ".other"));
-    remove_leftovers(dir.path());
-    EXPECT_FALSE(fs::exists(dir / ".taloram-new-2-1"));
+    fs::create_directory(dir / "txt");
+    EXPECT_FALSE(replace_file(dir / "txt/head.txt", staging_t::above, "text"));
+    EXPECT_FALSE(fs::exists(dir / ".taloram-new-2-1")) << "the next text or page takes it away";
 }
 
 TEST(MappedFiles, ShrinkWithoutEndingTheProgram) {
