@@ -13,13 +13,13 @@
 #include "album/engine_step.h"
 #include "album/jobs.h"
 #include "album/level_picture.h"
-#include "libgr/exif/app1_marker.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpegdata.h"
 #include "libgr/jpeg/lossless_turn.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "settings/settings.h"
+#include "shooting_data/photo_header.h"
 #include "talolib/option.h"
 
 namespace taloram {
@@ -30,7 +30,7 @@ namespace {
 struct original_t {
     std::string path;
     std::optional<unsigned long> orientation;  // EXIF Orientation
-    libutils::bytes_t thumbnail;               // JPEG, empty without one
+    libutils::bytes_t thumbnail;               // JPEG, empty without a whole one
 };
 
 // False, after a report, when `dirs` can't hold the levels and the thumbnail.
@@ -69,29 +69,16 @@ bool turn(libgr::jpegdata_t& turned, const libgr::jpegdata_t& data, const std::s
 
 bool read_original(original_t& original, const std::string& album, const std::string& name) {
     original.path = original_path(album, name);
-    libgr::jpegdata_t data;
-    if (!load_file(data, original.path, name)) {
+    photo_header_t header;
+    const header_status_t status = load_photo_header(header, original.path);
+    if (status != header_status_t::complete) {
+        libutils::report(name, status == header_status_t::not_loaded ? ": jpegdata load() failed."
+                                                                     : ": analyze_markers() failed.");
         return false;
     }
-    libgr::jpeginfo_t info;
-    if (!info.analyze_markers(data)) {
-        libutils::report(name, ": analyze_markers() failed.");
-        return false;
-    }
-    const libutils::bytes_t segment = info.get_marker(libgr::jpeginfo_t::num_APP1);
-    if (segment.empty()) {
-        return true;
-    }
-    libgr::app1_marker_t app1;
-    app1.set_app1_buffer(segment);
-    const bool parsed = app1.parse();
-    // It stands in the first directory and so was read even when a later part is broken.
-    if (const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation; !orientation.empty()) {
-        original.orientation = orientation.front();
-    }
-    if (parsed) {
-        original.thumbnail = app1.tiff_header.thumbnail;
-    }
+    read_exif(header);
+    original.orientation = header.orientation_value;
+    original.thumbnail = header.thumbnail;
     return true;
 }
 

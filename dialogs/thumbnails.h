@@ -11,8 +11,8 @@ namespace taloram {
 // Small pictures for the dialogs. The loaders return false, without a message, for a name that does not end in ".jpg"
 // in any case; any other failure is reported and leaves `image` as the failed step left it.
 
-// An upright preview of a JPEG file: its EXIF thumbnail turned by its orientation, else the whole picture, not turned,
-// halved until it fits into a quarter of the settings' shrink width and height.
+// An upright preview of a JPEG file: its EXIF thumbnail turned by its orientation; without one that decodes whole, the
+// whole picture, not turned, halved until it fits into a quarter of the settings' shrink width and height.
 [[nodiscard]] bool load_thumbnail(libgr::image2d_t& image, const std::string& path);
 
 // The whole decoded JPEG file.

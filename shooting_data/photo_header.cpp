@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "libgr/exif/app1_marker.h"
+#include "libgr/jpeg/whole_picture.h"
 
 namespace taloram {
 
@@ -40,8 +41,13 @@ void read_exif(photo_header_t& header) {
     }
     libgr::app1_marker_t app1;
     app1.set_app1_buffer(segment);
-    if (app1.parse()) {
-        header.thumbnail = app1.tiff_header.thumbnail;
+    libgr::jpegdata_t thumbnail;
+    if (app1.parse() && !app1.tiff_header.thumbnail.empty()) {
+        thumbnail.setvector(app1.tiff_header.thumbnail, "");
+    }
+    // Some cameras and editors leave bytes there that no decoder reads.
+    if (!thumbnail.empty() && libgr::is_whole_picture(thumbnail)) {
+        header.thumbnail = thumbnail;
     }
     if (const auto& values = app1.tiff_header.tag_0th_ifd.orientation; !values.empty()) {
         header.orientation_value = values.front();

@@ -18,7 +18,7 @@ struct photo_header_t {
 
     // Of the EXIF data. The orientation stands in its first directory and is known even when a later part is broken.
     std::optional<uint16_t> orientation_value;  // as it stands, whether EXIF knows it or not
-    libutils::bytes_t thumbnail;                // JPEG; empty without one
+    libutils::bytes_t thumbnail;                // JPEG; empty without one that decodes whole
 
     // Body of the first APP1 segment; an empty view without one.
     [[nodiscard]] libutils::bytes_t app1() const;

@@ -56,15 +56,17 @@ TEST_F(reduced_sizes_test, levels_thumbnail_and_turns) {
         {"both turns", {.width = 128, .height = 96}, 6, 1, 1, 2, 1},
         {"turns that cancel", {.width = 128, .height = 96}, 8, 1, 1, 0, 3},
         {"EXIF broken behind IFD0", {.width = 128, .height = 96, .seed = 9}, 6, 1, 1, 2, 1},
+        {"camera's thumbnail cut off", {.width = 128, .height = 96, .seed = 8}, 6, 1, 1, 2, 1},
     };
     g_global.jpeg_compress = 75;
     const blob_t camera_thumb = make_jpeg({.width = 32, .height = 24, .seed = 2});
     for (auto c : cases) {
         SCOPED_TRACE(c.name);
         fs::remove_all(album);
-        const bool broken = c.photo.seed == 9;
+        const bool broken = c.photo.seed == 9, cut_off = c.photo.seed == 8;
+        const blob_t embedded(camera_thumb.begin(), camera_thumb.end() - (cut_off ? 40 : 0));
         exif_builder_t exif;
-        exif.shorts(exif_builder_t::ifd0, 0x0112, {static_cast<uint16_t>(c.orientation)}).thumbnail(camera_thumb);
+        exif.shorts(exif_builder_t::ifd0, 0x0112, {static_cast<uint16_t>(c.orientation)}).thumbnail(embedded);
         exif.longs(exif_builder_t::ifd0, 0x8825, {broken ? 0xFFFFFFU : 0});  // where the GPS directory lies
         if (c.orientation != 0) {
             c.photo.segments = {{0xE1, exif.app1()}};
@@ -88,7 +90,7 @@ TEST_F(reduced_sizes_test, levels_thumbnail_and_turns) {
             }
             EXPECT_TRUE(libgr::scaledown(image, image) && libgr::scaledown(image, image));
             const blob_t upright = turns == 0 ? camera_thumb : turned(camera_thumb, turns);
-            EXPECT_EQ(c.orientation == 0 || broken ? saved(image, {}) : upright, read_file(output("thumb")));
+            EXPECT_EQ(c.orientation == 0 || broken || cut_off ? saved(image, {}) : upright, read_file(output("thumb")));
         }
         EXPECT_FALSE(fs::exists(output(level_name(c.level + 1))));
     }

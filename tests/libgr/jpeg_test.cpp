@@ -5,6 +5,7 @@
 
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/jpeg/lossless_turn.h"
+#include "libgr/jpeg/whole_picture.h"
 #include "tests/libgr/jpeg_in_memory.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -52,6 +53,20 @@ TEST(Jpeg, KeepsSegmentsInFileOrder) {
     info.markers.pop_front();  // libjpeg's own JFIF segment
     EXPECT_EQ(segments_of(info), wanted);
     EXPECT_NEAR(decode(bytes_of(data)).bytes[0], *image.pixel(0, 16), 20) << "the top row is the buffer's last";
+}
+
+TEST(Jpeg, KnowsWholePictures) {
+    EXPECT_FALSE(is_whole_picture(in_memory({})) || is_whole_picture(in_memory(blob_t(100, 'x'))));
+    for (const photo_t& photo :
+         {photo_t{}, photo_t{.sampling = sampling_t::gray, .restart_interval = 2}, photo_t{.progressive = true}}) {
+        blob_t jpeg = make_jpeg(photo);
+        jpeg.insert(jpeg.end(), 5, 0);
+        EXPECT_TRUE(is_whole_picture(in_memory(jpeg)));
+        jpeg.resize(jpeg.size() - 7);
+        EXPECT_EQ(!photo.progressive, is_whole_picture(in_memory(jpeg))) << "an end that nobody has to look for";
+        jpeg.resize(jpeg.size() - 20);
+        EXPECT_FALSE(is_whole_picture(in_memory(jpeg))) << "cut off";
+    }
 }
 
 TEST(Jpeg, UnreadableHeadersEnd) {
