@@ -12,10 +12,10 @@
 
 #include "album/engine_step.h"
 #include "album/jobs.h"
-#include "album/level_picture.h"
+#include "album/jpeg_files.h"
+#include "album/level_files.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpegdata.h"
-#include "libgr/jpeg/lossless_turn.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "settings/settings.h"
@@ -40,31 +40,6 @@ bool has_directories(const std::vector<std::string>& dirs, unsigned long level, 
         libutils::report(name, ": savejpeg failed.");
     }
     return enough;
-}
-
-// The file `path`; a failure is reported about `subject`.
-bool load_file(libgr::jpegdata_t& data, const std::string& path, const std::string& subject) {
-    const bool loaded = data.load(path.c_str());
-    if (!loaded) {
-        libutils::report(subject, ": jpegdata load() failed.");
-    }
-    return loaded;
-}
-
-bool save_file(libgr::jpegdata_t& data, const std::string& path) {
-    const bool saved = data.save(path.c_str());
-    if (!saved) {
-        libutils::report(path, ": jpegdata save() failed.");
-    }
-    return saved;
-}
-
-bool turn(libgr::jpegdata_t& turned, const libgr::jpegdata_t& data, const std::string& path, unsigned long count) {
-    const bool good = libgr::transform(count, turned, data);
-    if (!good) {
-        libutils::report(path, ": transform() failed.");
-    }
-    return good;
 }
 
 bool read_original(original_t& original, const std::string& album, const std::string& name) {
@@ -97,7 +72,7 @@ bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& th
     data.setvector(thumbnail, path.c_str());
     // It is turned before it is written: an unturned one would pass for done. One that can't be turned is still one.
     libgr::jpegdata_t turned;
-    if (count != 0 && turn(turned, data, path, count)) {
+    if (count != 0 && turn_jpeg(turned, data, path, count)) {
         data.setvector(turned, path.c_str());
     }
     if (!data.save(path.c_str())) {
@@ -107,16 +82,10 @@ bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& th
     return true;
 }
 
-// The camera's own thumbnail turned by `count`; without one `picture`, which has half the size of the top level, is
-// halved once more.
-bool write_thumbnail(const std::string& path, const std::string& name, const original_t& original,
-                     level_picture_t& picture, unsigned long count) {
-    if (!original.thumbnail.empty()) {
-        return write_camera_thumbnail(path, original.thumbnail, count);
-    }
+// Without a thumbnail of the camera's it is one more picture on the way down.
+void plan_thumbnail(level_plan_t& plan, size_t halvings, const std::string& path) {
     talolib::trace(std::cout, path, ": is scale down thumbnail.");
-    picture.drop_segments();
-    return picture.halve(name) && picture.save(path);
+    plan.rows.push_back({halvings, path, false});
 }
 
 bool ends_the_run(const files_t& /*file*/) {
@@ -182,7 +151,7 @@ bool for_each_file(const std::string& album, const std::vector<files_t>& files, 
 unsigned long getshrinklevel(const std::string& album, const std::string& name) {
     const std::string path = original_path(album, name);
     libgr::jpegdata_t data;
-    if (!load_file(data, path, path)) {
+    if (!load_jpeg_file(data, path, path)) {
         return 0;
     }
     libgr::jpeginfo_t info;
@@ -249,34 +218,22 @@ bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, c
     if (!write_level0(original, level0, name, turned, count)) {
         return false;
     }
-    level_picture_t picture;
+    level_plan_t plan{level0, name, level0 + ": load() failed.", level0 + ": decompress() failed.", "", {}};
     size_t halvings = 1;
     for (unsigned long k = 1; k <= level; ++k) {
-        if (need_update(original.path, entry_path(dirs[k], name))) {
-            picture.expect_save(halvings++, !turned);
-        }
-    }
-    if (original.thumbnail.empty() && need_update(original.path, thumb)) {
-        picture.expect_save(halvings + 1, false);
-    }
-    if (!picture.open(level0, ": load() failed.", level0)) {
-        return false;
-    }
-    if (turned) {
-        picture.drop_segments();
-    }
-    if (!picture.halve(name)) {
-        return false;
-    }
-    for (unsigned long k = 1; k <= level; ++k) {
+        // No halving for a level that is skipped, on purpose. An import removed the sizes of an old original before, so
+        // that it skips none.
         const std::string path = entry_path(dirs[k], name);
-        // No halving for a level that is skipped, on purpose. An import removed the sizes of an old original before,
-        // so that it skips none.
-        if (need_update(original.path, path) && (!picture.save(path) || !picture.halve(path))) {
-            return false;
+        if (need_update(original.path, path)) {
+            plan.rows.push_back({halvings++, path, !turned});
         }
     }
-    return !need_update(original.path, thumb) || write_thumbnail(thumb, name, original, picture, count);
+    const bool has_thumbnail = !need_update(original.path, thumb);
+    if (!has_thumbnail && original.thumbnail.empty()) {
+        plan_thumbnail(plan, halvings + 1, thumb);
+    }
+    return write_levels(plan) &&
+           (has_thumbnail || original.thumbnail.empty() || write_camera_thumbnail(thumb, original.thumbnail, count));
 }
 
 bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,
@@ -305,47 +262,17 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
     // From level 0 on a turned photograph is written at the settings' quality, level 0 included. Of any other level 0
     // is the copy from above and stays one, even when the original comes from a camera whose clock is ahead.
     const auto is_saved = [&](unsigned long k) { return turned || (k != 0 && outdated(dirs[k])); };
-    level_picture_t picture;
+    // The thumbnail is made last and anew. Were this stopped on the way, an old one would pass for the end of the work.
+    const std::string thumb = entry_path(dirs[level + 1], name);
+    level_plan_t plan{level0, name, name + ": jpegdata load() failed.", name + ": decompress() failed.", thumb, {}};
     for (unsigned long k = startlevel; k <= level; ++k) {
-        if (is_saved(k)) {
-            picture.expect_save(k, true);
-        }
+        plan.rows.push_back({k, entry_path(dirs[k], name), true, is_saved(k)});
     }
     if (original.thumbnail.empty()) {
-        picture.expect_save(std::max(startlevel, level + 1) + 1, false);
+        plan_thumbnail(plan, std::max(startlevel, level + 1) + 1, thumb);
     }
-    if (!picture.open(level0, ": jpegdata load() failed.", name)) {
-        return false;
-    }
-    // It is made last and anew. Were this stopped on the way, an old one would pass for the end of the work.
-    const std::string thumb = entry_path(dirs[level + 1], name);
-    unlink(thumb.c_str());
-    for (unsigned long k = 0; k < startlevel; ++k) {
-        if (!picture.halve(name)) {
-            return false;
-        }
-    }
-    for (unsigned long k = startlevel; k <= level; ++k) {
-        const std::string path = entry_path(dirs[k], name);
-        if ((is_saved(k) && !picture.save(path)) || !picture.halve(path)) {
-            return false;
-        }
-    }
-    return write_thumbnail(thumb, name, original, picture, count);
-}
-
-bool copyjpeg(const std::string& from, const std::string& to) {
-    libgr::jpegdata_t data;
-    return load_file(data, from, from) && save_file(data, to);
-}
-
-bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count) {
-    libgr::jpegdata_t data;
-    if (!load_file(data, from, from)) {
-        return false;
-    }
-    libgr::jpegdata_t turned;
-    return turn(turned, data, from, count) && save_file(turned, to);
+    return write_levels(plan) &&
+           (original.thumbnail.empty() || write_camera_thumbnail(thumb, original.thumbnail, count));
 }
 
 bool rotateallsize(const std::string& album, const std::string& name, unsigned long count) {
@@ -357,30 +284,6 @@ bool rotateallsize(const std::string& album, const std::string& name, unsigned l
         }
     }
     return true;
-}
-
-bool savejpeg(const std::string& path, libgr::image2d_t& image, std::list<libgr::jpeginfo_t::marker_t>& markers) {
-    libgr::jpeginfo_t info;
-    info.markers = markers;
-    libgr::jpegdata_t data;
-    if (!info.compress(data, image, encoding_quality(), true)) {
-        libutils::report(path, ": svjinfo compress() failed.");
-        return false;
-    }
-    return save_encoded_jpeg(path, data);
-}
-
-bool save_encoded_jpeg(const std::string& path, libgr::jpegdata_t& data) {
-    const bool saved = data.save(path.c_str());
-    if (!saved) {
-        libutils::report(path, "svjdata save() failed.");
-    }
-    return saved;
-}
-
-int encoding_quality() {
-    constexpr uint64_t best_quality = 100;
-    return static_cast<int>(std::min(g_global.jpeg_compress, best_quality));
 }
 
 }  // namespace taloram

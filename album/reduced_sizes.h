@@ -1,11 +1,9 @@
 #pragma once
 
 #include <functional>
-#include <list>
 
 #include "album/album_layout.h"
-#include "libgr/image/image2d.h"
-#include "libgr/jpeg/jpeginfo.h"
+#include "album/jpeg_files.h"
 
 namespace taloram {
 
@@ -44,22 +42,8 @@ using failed_file_t = std::function<bool(const files_t& file)>;
                                    const std::string& name, unsigned long level, unsigned long startlevel,
                                    unsigned long rightrotatecount);
 
-// A JPEG file written again as it is, or turned without loss; `from` and `to` may be the same path.
-[[nodiscard]] bool copyjpeg(const std::string& from, const std::string& to);
-[[nodiscard]] bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count);
-
 // Turns every reduced size and the thumbnail of one photograph in place; the original stays. At a failure the sizes
 // before it stay turned.
 [[nodiscard]] bool rotateallsize(const std::string& album, const std::string& name, unsigned long count);
-
-// Encodes `image` with `markers` at the settings' quality and writes it.
-[[nodiscard]] bool savejpeg(const std::string& path, libgr::image2d_t& image,
-                            std::list<libgr::jpeginfo_t::marker_t>& markers);
-
-// Its second half, for a picture that is encoded already.
-[[nodiscard]] bool save_encoded_jpeg(const std::string& path, libgr::jpegdata_t& data);
-
-// The settings' quality, on libjpeg's scale.
-[[nodiscard]] int encoding_quality();
 
 }  // namespace taloram
