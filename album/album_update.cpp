@@ -6,6 +6,7 @@
 #include "album/album_walk.h"
 #include "album/book_index.h"
 #include "album/engine_step.h"
+#include "album/pending_turn.h"
 #include "album/reduced_sizes.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
@@ -55,6 +56,9 @@ bool updatealbum(const std::vector<files_t>& files, const std::string& album, pr
         return false;
     }
     libutils::remove_leftovers(album);
+    if (!end_left_turns(album)) {
+        return false;
+    }
     progress.begun.emit(album, files);
     // An import that was stopped while it copied has left none.
     libutils::mkdir(entry_path(album, layout::thumb).c_str());

@@ -14,6 +14,7 @@
 #include "album/import_file.h"
 #include "album/manifest.h"
 #include "album/orphans.h"
+#include "album/pending_turn.h"
 #include "album/reduced_sizes.h"
 #include "album/verification.h"
 #include "album/write_lock.h"
@@ -184,6 +185,9 @@ bool import_album(const std::string& srcdir, const std::vector<files_t>& files, 
         return false;
     }
     libutils::remove_leftovers(album);
+    if (!end_left_turns(album)) {
+        return false;
+    }
     progress.begun.emit(album, files);
     import_t import(srcdir, files, album, options);
     const bool made = import.load_manifest() && step_done(import.copy(progress.copy), "copyfiles") &&

@@ -47,8 +47,8 @@ bool read_original(original_t& original, const std::string& album, const std::st
     photo_header_t header;
     const header_status_t status = load_photo_header(header, original.path);
     if (status != header_status_t::complete) {
-        libutils::report(name, status == header_status_t::not_loaded ? ": jpegdata load() failed."
-                                                                     : ": analyze_markers() failed.");
+        libutils::report(
+            name, status == header_status_t::not_loaded ? ": jpegdata load() failed." : ": analyze_markers() failed.");
         return false;
     }
     read_exif(header);
@@ -273,17 +273,6 @@ bool shrinkoneupdate(const std::vector<std::string>& dirs, const std::string& al
     }
     return write_levels(plan) &&
            (original.thumbnail.empty() || write_camera_thumbnail(thumb, original.thumbnail, count));
-}
-
-bool rotateallsize(const std::string& album, const std::string& name, unsigned long count) {
-    for (const std::string& dir : level_directories(album, getshrinklevel(album, name))) {
-        const std::string path = entry_path(dir, name);
-        if (!rotatejpeg(path, path, count)) {
-            libutils::report(path, ": rotate jpeg failed.");
-            return false;
-        }
-    }
-    return true;
 }
 
 }  // namespace taloram

@@ -42,8 +42,4 @@ using failed_file_t = std::function<bool(const files_t& file)>;
                                    const std::string& name, unsigned long level, unsigned long startlevel,
                                    unsigned long rightrotatecount);
 
-// Turns every reduced size and the thumbnail of one photograph in place; the original stays. At a failure the sizes
-// before it stay turned.
-[[nodiscard]] bool rotateallsize(const std::string& album, const std::string& name, unsigned long count);
-
 }  // namespace taloram

@@ -7,7 +7,7 @@
 
 #include "album/album_update.h"
 #include "album/comment_store.h"
-#include "album/reduced_sizes.h"
+#include "album/turn_photo.h"
 #include "dialogs/message_box.h"
 #include "dialogs/table_scroller.h"
 #include "dialogs/text_input_dialog.h"

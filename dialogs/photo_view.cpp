@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "toolkit/text_encoding.h"
+#include "toolkit/upright_pixels.h"
 
 namespace taloram {
 
@@ -90,7 +91,7 @@ const photo_view_t::photo_t& photo_view_t::decode(size_t index) {
     const auto [entry, is_new] = photos_.try_emplace(index);
     photo_t& photo = entry->second;
     if (is_new) {
-        photo.sizes = list_photo_sizes(album_, names_[index]);
+        photo.sizes = list_photo_sizes(album_, names_[index], longest_surface_side);
         if (!photo.sizes.empty()) {
             photo.measure();
             decode_size(photo, fitting_zoom(photo.picture));

@@ -8,11 +8,10 @@
 #include <set>
 
 #include "album/album_layout.h"
-#include "album/album_pages.h"
+#include "album/turn_photo.h"
 #include "dialogs/browser.h"
 #include "dialogs/message_box.h"
 #include "dialogs/text_input_dialog.h"
-#include "dialogs/upright_photo.h"
 #include "libutils/directory.h"
 #include "toolkit/text_encoding.h"
 
@@ -58,6 +57,7 @@ ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
                                  const std::string& /*program_directory*/)
     : Gtk::Dialog("", parent, true), album_(album), names_(list_photos(album)) {
     make_viewer_window(*this, parent, 1180, 700);
+    static_cast<void>(end_begun_turns(album));
     texts_.load(album);
     set_title(texts_.title.get_text());
     make_overview();
@@ -228,14 +228,12 @@ void ViewAlbumDialog::show_comment() {
 
 void ViewAlbumDialog::turn(unsigned long count) {
     const std::string& name = names_[view_.index()];
-    progress_t progress;
-    const bool turned = turn_photo(album_, name, count);
-    // The pages name the sizes' bytes, which changed even where not all could be turned.
-    const bool written = makehtml(album_, progress) && makehtmlzoom(album_, progress);
+    progress_signals_t unseen;
+    const turned_t turned = turn_photos(album_, {name}, count, unseen);
     view_.reload();
     grid_.reload(view_.index());
-    if (!turned || !written) {
-        show_error(*this, turned ? msg_album_failed : msg_turn_failed);
+    if (turned != turned_t::all) {
+        show_error(*this, turned == turned_t::none ? msg_turn_failed : msg_album_failed);
     }
 }
 

@@ -16,7 +16,7 @@
 #include "album/import.h"
 #include "album/import_check.h"
 #include "album/jobs.h"
-#include "album/reduced_sizes.h"
+#include "album/turn_photo.h"
 #include "album/verification.h"
 #include "album/write_lock.h"
 #include "libutils/directory.h"
@@ -238,15 +238,10 @@ class runner_t {
             return status_wrong_use;
         }
         start_up(program_);
-        for (const std::string& photo : command.photos) {
-            if (!step_done(rotateallsize(album, photo, command.quarter_turns), "rotateallsize")) {
-                return status_failed;
-            }
-        }
-        progress_t unseen;
-        const bool good =
-            step_done(makehtml(album, unseen), "makehtml") && step_done(makehtmlzoom(album, unseen), "makehtmlzoom");
-        return good ? status_done : status_failed;
+        shown_progress_t progress(progress_mode_t::automatic);
+        const turned_t turned = turn_photos(album, command.photos, command.quarter_turns, progress.signals);
+        return step_done(turned != turned_t::none, "turn_photos") && turned == turned_t::all ? status_done
+                                                                                             : status_failed;
     }
 
     int operator()(const exif_command_t& command) const {

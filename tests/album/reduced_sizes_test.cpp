@@ -2,6 +2,7 @@
 
 #include <chrono>
 
+#include "album/turn_photo.h"
 #include "libgr/image/pixel_operations.h"
 #include "tests/album/album_fixture.h"
 

@@ -82,7 +82,7 @@ TEST(UprightPhoto, every_orientation) {
         SCOPED_TRACE(i + 1);
         const blob_t file = make_camera_jpeg({}, i + 1, false);
         write_file(album / "size0/p.jpg", file);
-        const auto picture = load_upright(list_photo_sizes(album.path(), "p.jpg").at(0));
+        const auto picture = load_upright(list_photo_sizes(album.path(), "p.jpg", 64).at(0));
         const unsigned char* shown = picture->get_data() + 2 * picture->get_stride() + 5 * 4;  // blue, green, red, -
         const pixels_t pixels = decode(file);
         const unsigned char* stored = &pixels.bytes[(places[i][1] * pixels.width + places[i][0]) * 3];
