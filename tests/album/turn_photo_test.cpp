@@ -4,6 +4,7 @@
 
 #include "album/album_update.h"
 #include "album/pending_turn.h"
+#include "album/planned_turn.h"
 #include "album/reduced_sizes.h"
 #include "tests/album/album_fixture.h"
 
@@ -191,5 +192,29 @@ TEST_F(turn_photo_test, places_what_an_album_still_has_and_on_other_disks) {
     EXPECT_FALSE(fs::exists(album + "/size0/p.jpg"));
     for (const auto& [name, bytes] : tree()) {
         EXPECT_NE('.', name[0]) << name;
+    }
+}
+
+TEST_F(turn_photo_test, tells_what_an_update_will_turn) {
+    g_global.shrink_width = 256;
+    g_global.shrink_height = 192;
+    const auto thumb = [&] { return read_file(album + "/thumb/p.jpg"); };
+    for (const auto& [orientation, with_thumbnail] : {std::pair(0U, true), {0U, false}, {6U, true}, {6U, false}}) {
+        for (const unsigned long before : {0UL, 1UL, 3UL}) {
+            SCOPED_TRACE(testing::Message() << orientation << ' ' << with_thumbnail << ' ' << before);
+            fs::remove_all(album);
+            import(make_camera_jpeg({.width = 512, .height = 384}, orientation, with_thumbnail));
+            EXPECT_EQ(turned_t::all, before == 0 ? turned_t::all : turn(before));
+            EXPECT_EQ(0U, planned_turn(album, "p.jpg", 0));
+            const pixels_t planned = decode(turned(thumb(), planned_turn(album, "p.jpg", 1)));
+            EXPECT_TRUE(shrinkupdate({{"p.jpg", 1}}, album, silent));
+            const pixels_t found = decode(thumb());
+            ASSERT_EQ(planned.width, found.width);
+            unsigned long difference = 0;
+            for (size_t i = 0; i < found.bytes.size(); ++i) {
+                difference += static_cast<unsigned long>(std::abs(planned.bytes[i] - found.bytes[i]));
+            }
+            EXPECT_LT(difference / found.bytes.size(), 8U);
+        }
     }
 }
