@@ -3,42 +3,29 @@
 #include <array>
 #include <cstdlib>
 #include <limits>
-#include <optional>
 
 #include "album/album_layout.h"
 #include "album/jpeg_files.h"
-#include "libgr/exif/app1_marker.h"
 #include "libgr/image/pixel_operations.h"
-#include "shooting_data/camera_thumbnail.h"
+#include "shooting_data/photo_header.h"
 
 namespace taloram {
 
 namespace {
 
-// The original as the camera stored it.
-struct original_view_t {
-    libgr::image2d_t picture;                  // small
-    std::optional<unsigned long> orientation;  // EXIF Orientation
-    bool is_thumbnail = false;                 // the picture is the camera's thumbnail
-};
-
-bool view_original(original_view_t& view, const std::string& path) {
+// The original as the camera stored it: `picture` is its thumbnail or, without one, itself at an eighth of the size.
+bool view_original(photo_header_t& header, libgr::image2d_t& picture, const std::string& path) {
     libgr::jpegdata_t data;
-    libgr::jpeginfo_t info;
-    if (!load_jpeg_file(data, path, path) || !info.analyze_markers(data)) {
+    if (!load_jpeg_file(data, path, path) || !read_photo_header(header, data)) {
         return false;
     }
-    libgr::app1_marker_t app1;
-    app1.set_app1_buffer(info.get_marker(libgr::jpeginfo_t::num_APP1));
-    libutils::bytes_t thumbnail = app1.parse() ? camera_thumbnail(app1.tiff_header) : libutils::bytes_t();
-    if (const auto& orientation = app1.tiff_header.tag_0th_ifd.orientation; !orientation.empty()) {
-        view.orientation = orientation.front();
+    read_exif(header);
+    const bool is_whole_picture = header.thumbnail.empty();
+    if (!is_whole_picture) {
+        data.setvector(header.thumbnail, path.c_str());
     }
-    view.is_thumbnail = !thumbnail.empty();
-    if (view.is_thumbnail) {
-        data.setvector(thumbnail, path.c_str());
-    }
-    return info.decompress_scaled(view.picture, data, view.is_thumbnail ? 8 : 1);
+    libgr::jpeginfo_t info;
+    return info.decompress_scaled(picture, data, is_whole_picture ? 1 : 8);
 }
 
 // A picture in a few cells, alike for all sizes of a scene.
@@ -103,20 +90,21 @@ unsigned long find_turn(const libgr::image2d_t& picture, const libgr::image2d_t&
 }  // namespace
 
 unsigned long planned_turn(const std::string& album, const std::string& name, unsigned long count) {
-    original_view_t original;
-    if (count == 0 || !view_original(original, original_path(album, name))) {
+    photo_header_t original;
+    libgr::image2d_t picture;
+    if (count == 0 || !view_original(original, picture, original_path(album, name))) {
         return 0;
     }
-    const unsigned long by_camera = libgr::mixorientandrightrotatecount(0, original.orientation.value_or(1));
-    const unsigned long afterwards = original.orientation ? by_camera : count;
+    const unsigned long by_camera = quarter_turns(original.orientation());
+    const unsigned long afterwards = original.orientation_value ? by_camera : count;
     // Without a thumbnail in the album what the original carries is shown.
-    unsigned long now = original.is_thumbnail ? by_camera : 0;
+    unsigned long now = original.thumbnail.empty() ? 0 : by_camera;
     libgr::jpegdata_t data;
     libgr::jpeginfo_t info;
     libgr::image2d_t shown;
     const std::string thumb = thumb_path(album, name);
     if (data.load(thumb.c_str()) && info.decompress(shown, data, 0, false, libgr::color3ub_t())) {
-        now = find_turn(original.picture, shown);
+        now = find_turn(picture, shown);
     }
     return (afterwards + 4 - now) % 4;
 }
