@@ -8,17 +8,13 @@
 
 namespace taloram {
 
-namespace {
-
-bool save_file(libgr::jpegdata_t& data, const std::string& path) {
+bool save_jpeg_file(libgr::jpegdata_t& data, const std::string& path) {
     const bool saved = data.save(path.c_str());
     if (!saved) {
         libutils::report(path, ": jpegdata save() failed.");
     }
     return saved;
 }
-
-}  // namespace
 
 bool load_jpeg_file(libgr::jpegdata_t& data, const std::string& path, const std::string& subject) {
     const bool loaded = data.load(path.c_str());
@@ -30,7 +26,7 @@ bool load_jpeg_file(libgr::jpegdata_t& data, const std::string& path, const std:
 
 bool copyjpeg(const std::string& from, const std::string& to) {
     libgr::jpegdata_t data;
-    return load_jpeg_file(data, from, from) && save_file(data, to);
+    return load_jpeg_file(data, from, from) && save_jpeg_file(data, to);
 }
 
 bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count) {
@@ -39,7 +35,7 @@ bool rotatejpeg(const std::string& from, const std::string& to, unsigned long co
         return false;
     }
     libgr::jpegdata_t turned;
-    return turn_jpeg(turned, data, from, count) && save_file(turned, to);
+    return turn_jpeg(turned, data, from, count) && save_jpeg_file(turned, to);
 }
 
 bool turn_jpeg(libgr::jpegdata_t& turned, const libgr::jpegdata_t& data, const std::string& path, unsigned long count) {

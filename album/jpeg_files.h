@@ -13,6 +13,9 @@ namespace taloram {
 // The file `path`; the line about a failure begins with `subject`.
 [[nodiscard]] bool load_jpeg_file(libgr::jpegdata_t& data, const std::string& path, const std::string& subject);
 
+// Writes the file `path`.
+[[nodiscard]] bool save_jpeg_file(libgr::jpegdata_t& data, const std::string& path);
+
 // A JPEG file written again as it is, or turned without loss; `from` and `to` may be the same path.
 [[nodiscard]] bool copyjpeg(const std::string& from, const std::string& to);
 [[nodiscard]] bool rotatejpeg(const std::string& from, const std::string& to, unsigned long count);
