@@ -38,7 +38,10 @@ TEST_F(import_test, an_old_original_goes_with_its_sizes) {
         }
         fs::remove(dir / "link");
         fs::create_hard_link(album + "/original/p.jpg", dir / "link");
+        fs::last_write_time(card + "/p.jpg", fs::file_time_type(std::chrono::seconds(86400)));
         EXPECT_TRUE(copyfiles(from, {{"p.jpg", 0}}, album, silent));
+        EXPECT_EQ(from == card, fs::last_write_time(card + "/p.jpg") == fs::last_write_time(album + "/original/p.jpg"))
+            << from;
         EXPECT_EQ(from == card ? "new" : "old", text_of(album + "/original/p.jpg"));
         EXPECT_EQ("old", text_of(dir / "link")) << from;
         EXPECT_EQ((std::vector{album + "/original/p.jpg", album + "/size0/q.jpg"}), files_below(album));
