@@ -1,6 +1,5 @@
 #include "album/copy_files.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -11,6 +10,7 @@
 #include "album/import_file.h"
 #include "album/orphans.h"
 #include "album/reduced_sizes.h"
+#include "album/set_aside.h"
 #include "libgr/jpeg/jpegdata.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libutils/diagnostics.h"
@@ -66,21 +66,8 @@ bool can_stay(const import_file_t& file) {
             (status.st_nlink == 1 && !libutils::copy_date(file.source, file.destination)));
 }
 
-bool has_reduced_sizes(const std::string& album, const std::string& name) {
-    return is_photo(name) && !find_reduced_sizes(album, name).empty();
-}
-
-std::error_code check_removal_of_sizes(const std::string& album, const std::string& name) {
-    for (const std::string& path : find_reduced_sizes(album, name)) {
-        if (access(path.substr(0, path.rfind('/')).c_str(), W_OK | X_OK) != 0) {
-            return libutils::last_error();
-        }
-    }
-    return {};
-}
-
 // The copy takes the place of the destination in one step: the name never stands for a half-written file, and another
-// name of the old file keeps the old contents. Until that is done the old file has its sizes.
+// name of the old file keeps the old contents. Where that fails the old file has its sizes again.
 std::error_code replace_with_copy(const import_file_t& file, const std::string& album, const std::string& name) {
     libutils::new_file_t copy(file.destination, libutils::staging_t::above);
     if (const std::error_code failure = copy.open()) {
@@ -92,21 +79,18 @@ std::error_code replace_with_copy(const import_file_t& file, const std::string& 
     if (!libutils::same_contents(file.source.c_str(), copy.current_path().c_str())) {
         return make_error_code(std::errc::io_error);
     }
-    if (!has_reduced_sizes(album, name)) {
-        return copy.commit();
+    // Sizes of another photograph would look up to date, being younger: none may stand beside the copy.
+    set_aside_t old_sizes(album);
+    for (const std::string& path : is_photo(name) ? find_reduced_sizes(album, name) : std::vector<std::string>()) {
+        if (const std::error_code failure = old_sizes.add(path)) {
+            return failure;
+        }
     }
-    if (const std::error_code failure = check_removal_of_sizes(album, name)) {
-        return failure;
+    const std::error_code failure = copy.commit();
+    if (!failure) {
+        old_sizes.remove();
     }
-    // Sizes that are younger than their photograph look up to date: until they are gone it is younger.
-    if (utimensat(AT_FDCWD, copy.current_path().c_str(), nullptr, 0) != 0) {
-        return libutils::last_error();
-    }
-    if (const std::error_code failure = copy.commit()) {
-        return failure;
-    }
-    const std::error_code failure = remove_reduced_sizes(album, name);
-    return failure ? failure : libutils::copy_date(file.source, file.destination);
+    return failure;
 }
 
 std::error_code copy_file(const std::string& srcdir, const std::string& name, const std::string& album) {

@@ -13,9 +13,9 @@ namespace taloram {
 // Copies the listed files: photographs into original/, movies into movie/, all others into txt/, which must exist. A
 // file takes its final name only when all its bytes were written and compared with the source; one that the album has
 // with the same contents stays and takes the source's date, but one that has another date and another name is replaced:
-// that name may belong to a backup. The reduced sizes of a photograph that the album already has are removed once the
-// copy is in place. A photograph whose zoom pages would have longer names than the file system allows fails before it
-// is copied. Stops at the first failure.
+// that name may belong to a backup. The reduced sizes of a photograph that the album already has go with the old copy;
+// where it stays because the new one failed, so do they. A photograph whose zoom pages would have longer names than the
+// file system allows fails before it is copied. Stops at the first failure.
 [[nodiscard]] bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                              progress_t& progress);
 
