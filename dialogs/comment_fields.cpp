@@ -1,5 +1,7 @@
 #include "dialogs/comment_fields.h"
 
+#include <initializer_list>
+
 #include "dialogs/single_line.h"
 #include "toolkit/text_encoding.h"
 
@@ -32,6 +34,20 @@ void comment_fields_t::show(const comment_texts_t& texts) {
     load(head_field, texts.head);
     load(last_field, texts.last);
     restore(kept);
+}
+
+void comment_fields_t::show_comments_of(const std::string& directory) {
+    comment_texts_t texts;
+    unread_.clear();
+    if (const unread_text_t unread = load_comments(texts, directory)) {
+        report_unread(unread);
+        unread_ = to_toolkit(unread.path + ": " + unread.reason.message());
+    }
+    show(texts);
+    title.set_placeholder_text(unread_);
+    for (Gtk::Widget* field : std::initializer_list<Gtk::Widget*>{&title, &head, &last}) {
+        field->set_sensitive(unread_.empty());
+    }
 }
 
 void comment_fields_t::fill(const comment_texts_t& texts) {

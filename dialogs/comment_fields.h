@@ -33,6 +33,13 @@ class comment_fields_t {
     // Shows the texts in the fields that the user has not changed.
     void show(const comment_texts_t& texts);
 
+    // The same with the comments of an album or book. When one of them can't be read it is named in the place of the
+    // title, and there is nothing to edit: what nobody saw must not be replaced.
+    void show_comments_of(const std::string& directory);
+
+    // What could not be read and why, "" when nothing.
+    [[nodiscard]] const Glib::ustring& unread() const { return unread_; }
+
     // Each text that is not empty replaces what its field holds.
     void fill(const comment_texts_t& texts);
 
@@ -50,6 +57,7 @@ class comment_fields_t {
     void load(size_t field, const std::string& text);
 
     std::array<kept_text_t, 3> loaded_;
+    Glib::ustring unread_;
 };
 
 }  // namespace taloram

@@ -132,9 +132,7 @@ void EditAlbumDialog::fill_item(size_t index) {
 }
 
 void EditAlbumDialog::update_comment() {
-    comment_texts_t texts;
-    loadcommenttxt(album_, texts.title, texts.head, texts.last);
-    texts_.show(texts);
+    texts_.show_comments_of(album_);
 }
 
 void EditAlbumDialog::button_text(unsigned long index) {
@@ -185,7 +183,9 @@ void EditAlbumDialog::on_response(int response) {
 
 void EditAlbumDialog::save_texts() {
     const comment_texts_t texts = texts_.texts();
-    if (texts.title.empty()) {
+    if (!texts_.unread().empty()) {
+        show_error(*this, message_text(msg_comments_failed) + "\n" + texts_.unread());
+    } else if (texts.title.empty()) {
         show_error(*this, msg_title_missing);
     } else if (!savecommenttxt(album_, texts.title, texts.head, texts.last)) {
         show_error(*this, msg_comments_failed);

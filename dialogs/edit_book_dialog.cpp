@@ -119,9 +119,7 @@ bool EditBookDialog::make_items() {
     if (hint_.get_parent() != nullptr) {
         table_.remove(hint_);
     }
-    comment_texts_t texts;
-    loadcommenttxt(book_directory_, texts.title, texts.head, texts.last);
-    fields_.show(texts);
+    fields_.show_comments_of(book_directory_);
     std::vector<book_entry_t> entries;
     const bool listed = !list_book_entries(entries, book_directory_);
     widths_ = widths_of(entries);
@@ -212,7 +210,9 @@ void EditBookDialog::save(bool rebuild_all) {
 
 void EditBookDialog::save_texts() {
     const comment_texts_t texts = fields_.texts();
-    if (empty()) {
+    if (!fields_.unread().empty()) {
+        show_error(*this, message_text(msg_comments_failed) + "\n" + fields_.unread());
+    } else if (empty()) {
         show_error(*this, msg_title_missing);
     } else if (savecommenttxt(book_directory_, texts.title, texts.head, texts.last)) {
         fields_.accept();

@@ -2,6 +2,8 @@
 
 #include <gtkmm/stock.h>
 
+#include <optional>
+
 #include "album/comment_store.h"
 #include "dialogs/message_box.h"
 #include "dialogs/table_scroller.h"
@@ -14,9 +16,17 @@ TextInputDialog::TextInputDialog(Gtk::Window& parent, const std::string& album, 
     constexpr int width = 320;   // pixels
     constexpr int height = 200;  // pixels
     set_size_request(width, height);
-    if (!loadphotocomment(text_, album_, name_)) {
+    std::optional<std::string> comment;
+    const unread_text_t unread = load_photo_comment(comment, album_, name_);
+    if (unread) {
+        report_unread(unread);
+        show_error(parent, to_toolkit(unread.path + ": " + unread.reason.message()));
+        readonly = true;  // what nobody saw must not be replaced
+    }
+    if (!comment) {
         libutils::report(name_, ": loadphotocomment() failed.");
     }
+    text_ = comment.value_or("");
     set_text(text_);
     view_.set_editable(!readonly);
     view_.set_cursor_visible(!readonly);

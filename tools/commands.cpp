@@ -87,16 +87,20 @@ class shown_progress_t {
 };
 
 bool save_comments(const album_command_t& command, const album_job_t& job) {
-    std::string title;
-    std::string head;
-    std::string last;
-    loadcomment(job.from, title, head, last);
-    loadcommenttxt(job.album, title, head, last);
-    title = command.title.value_or(title);
+    comment_texts_t texts;
+    unread_text_t unread = load_comments_in(texts, job.from);
+    if (!unread) {
+        unread = load_comments(texts, job.album);
+    }
+    if (unread) {
+        report_unread(unread);
+        return false;
+    }
+    std::string title = command.title.value_or(texts.title);
     if (title.empty()) {
         title = libutils::directory_name(job.album);
     }
-    return step_done(savecommenttxt(job.album, title, job.head.value_or(head), job.last.value_or(last)),
+    return step_done(savecommenttxt(job.album, title, job.head.value_or(texts.head), job.last.value_or(texts.last)),
                      "savecommenttxt");
 }
 

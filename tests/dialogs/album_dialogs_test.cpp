@@ -131,6 +131,31 @@ TEST(EditAlbumDialog, without_a_title_the_album_is_updated_all_the_same) {
     EXPECT_EQ(read_file(album.dir / "original/P.JPG"), read_file(album.dir / "size0/P.JPG"));
 }
 
+TEST(EditAlbumDialog, what_can_not_be_read_is_named_and_stays) {
+    album_t album;
+    const std::string head = album.dir / "txt/head.txt", comment = album.dir / "txt/P.JPG.txt";
+    for (const std::string& path : {head, comment}) {
+        rename(path.c_str(), (path + ".kept").c_str());
+        mkdir(path.c_str(), 0755);
+    }
+    EditAlbumDialog dialog(album.window, album.dir.path());
+    Gtk::Entry& title = *find_all<Gtk::Entry>(dialog).at(0);
+    EXPECT_EQ(head + ": Is a directory", title.get_placeholder_text().raw());
+    EXPECT_FALSE(title.get_sensitive() || find_all<Gtk::TextView>(dialog).at(0)->get_sensitive());
+    rmdir(head.c_str());
+    rename((head + ".kept").c_str(), head.c_str());
+    on_next_dialog([](Gtk::Dialog& box) { click(box, "P.JPG"), click(box, "OK"); });
+    answer_next(comment + ": Is a directory", "OK");
+    on_next_dialog([](Gtk::Dialog& box) {
+        EXPECT_TRUE(find_button(box, "OK") == nullptr && !find_all<Gtk::TextView>(box).at(0)->get_editable());
+        click(box, "Cancel");
+    });
+    answer_next(head + ": Is a directory", "OK");
+    EXPECT_EQ(Gtk::RESPONSE_OK, dialog.run());
+    EXPECT_TRUE(all_answered());
+    EXPECT_EQ('T', read_file(head).at(0)) << "readable again, but nobody saw it";
+}
+
 TEST(EditAlbumDialog, no_originals) {
     const temp_dir_t album;
     Gtk::Window window;

@@ -147,11 +147,12 @@ take_rights() {
         complete "${command[@]}"
     done <<'EOL'
 card a-r import 2 talomake: PLACE/card: can't be read.
+card/head.txt a-r import 1 PLACE/card/head.txt: comment text load failed, Permission denied
 card/IMG_0001.JPG a-r import 1 PLACE/album/original/IMG_0001.JPG: file copy failed.
 album a-w import 1 PLACE/album/index.html: open error, Permission denied
 album/txt a-w import 1 PLACE/album/txt/head.txt: file
-album/txt/head.txt a-r import 1 PLACE/album/txt/head.txt: file open failed, Permission denied
-album/txt/last.txt a-r import 1 PLACE/album/txt/last.txt: file open failed, Permission denied
+album/txt/head.txt a-r import 1 PLACE/album/txt/head.txt: comment text load failed, Permission denied
+album/txt/last.txt a-r import 1 PLACE/album/txt/last.txt: comment text load failed, Permission denied
 album/original a-w import 1 PLACE/album/original/IMG_0002.JPG: file copy failed.
 album/size0 a-w import 1 PLACE/album/original/
 album/thumb a-w import 1 PLACE/album/original/
@@ -193,6 +194,7 @@ close_directories() {
 "$bin/make_samples" "$place/sample"
 "$bin/make_samples" "$card" 4
 truncate -s 20M "$card/MVI_9999.MOV"
+printf 'Of the card\r\nOf the card\r\n' >"$card/head.txt"
 ends_with 0 "${import[@]}"
 mv "$album" "$reference"
 change_sources
