@@ -40,6 +40,16 @@ bool is_import_interrupted(const std::string& directory) {
            std::any_of(originals.begin(), originals.end(), is_photo);
 }
 
+bool is_book(const std::string& directory) {
+    std::list<std::string> below;
+    if (is_album(directory) || !libutils::getdirs(below, directory.c_str())) {
+        return false;
+    }
+    return is_exist(entry_path(directory, layout::index_page)) ||
+           std::any_of(below.begin(), below.end(),
+                       [&](const std::string& name) { return is_album(entry_path(directory, name)); });
+}
+
 bool is_photo(const std::string& filename) {
     return libutils::extcasecmp(filename, photo_extension) == 0;
 }

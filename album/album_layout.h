@@ -55,6 +55,9 @@ constexpr unsigned long highest_top_level = 16;
 // other directory without thumb/ is a book or an album without photographs.
 [[nodiscard]] bool is_import_interrupted(const std::string& directory);
 
+// True for a directory that is no album and has a book's page or albums; false also when it can't be listed.
+[[nodiscard]] bool is_book(const std::string& directory);
+
 // Kinds of files, told by the extension in any case: ".jpg"; ".mov", ".mpg", ".mp4".
 [[nodiscard]] bool is_photo(const std::string& filename);
 [[nodiscard]] bool is_movie(const std::string& filename);

@@ -6,8 +6,10 @@
 #include <cstdlib>
 
 #include "album/jobs.h"
+#include "album/write_lock.h"
 #include "app/command_line.h"
 #include "app/menu_window.h"
+#include "dialogs/writer_box.h"
 #include "libutils/diagnostics.h"
 #include "libutils/path.h"
 #include "libutils/program.h"
@@ -39,6 +41,7 @@ int main(int argc, char** argv) {
         g_setenv("GTK_IM_MODULE_FILE", input_method_cache, TRUE);
     }
     taloram::g_workers.jobs = taloram::default_jobs();
+    taloram::g_wait_for_writer = taloram::wait_for_writer;
     Gtk::Window::set_default_icon_name("taloram");
     std::string program = talolib::program_path(argv[0], libutils::basename(std::string(argv[0])));
     argv[0] = program.data();

@@ -91,6 +91,7 @@ void MenuWindow::apply_command_line() {
         std::exit(EXIT_SUCCESS);
     }
     if (line.has_paths) {
+        g_stored_paths = {g_global.from, g_global.album};
         g_global.from = line.from;
         g_global.album = line.album;
         talolib::trace(std::cout, g_global.from);

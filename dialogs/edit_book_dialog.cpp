@@ -62,7 +62,7 @@ bool lies_in_book(const std::string& album, const std::string& book) {
 }  // namespace
 
 EditBookDialog::EditBookDialog(Gtk::Window& parent, const std::string& bookdir)
-    : Gtk::Dialog(message_text(msg_edit), parent, true),
+    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::filename(bookdir)), parent, true),
       book_directory_(bookdir),
       table_(1, 1, false),
       progress_(*this) {
@@ -265,8 +265,8 @@ void EditBookDialog::make_book() {
             case Gtk::RESPONSE_OK:
             case Gtk::RESPONSE_APPLY:
                 if (dialog.empty()) {
-                    show_error(dialog, msg_title_missing);
-                } else if (response == Gtk::RESPONSE_OK) {
+                    show_error(dialog, message_text(msg_title_missing) + "\n" + message_text(msg_book_name_missing));
+                } else if (response == Gtk::RESPONSE_OK && dialog.is_made()) {
                     refresh();
                     return;
                 }
@@ -321,6 +321,8 @@ bool EditBookDialog::order_album(album_order_t& order) {
             show_error(dialog, msg_source_missing);
         } else if (!lies_in_book(order.album, book_directory_)) {
             show_error(dialog, msg_album_missing);
+        } else if (is_book(order.album)) {
+            show_error(dialog, msg_names_a_book);
         } else if (is_exist(order.album) && !ask_yes_no(dialog, msg_album_exists)) {
             continue;
         } else if (order.texts.title.empty()) {
@@ -359,6 +361,9 @@ bool EditBookDialog::batchupdate(const std::string& path) {
 // The list is rebuilt below, and with it the row whose button was clicked.
 void EditBookDialog::button_list(size_t index) {
     const std::string path = items_[index].entry.path;
+    if (is_import_interrupted(path) && ask_yes_no(*this, msg_complete_album) && !batchupdate(path)) {
+        show_error(*this, msg_update_failed);
+    }
     if (!is_exist(entry_path(path, layout::thumb))) {
         edit_book(*this, path);
         refresh();
@@ -377,7 +382,8 @@ void EditBookDialog::button_list(size_t index) {
 
 void EditBookDialog::button_remove(size_t index) {
     const std::string path = items_[index].entry.path;
-    if (!ask_to_remove(*this, msg_remove, to_toolkit(items_[index].entry.name))) {
+    if (!ask_to_remove(*this, msg_remove,
+                       to_toolkit(items_[index].entry.name) + "\n" + message_text(msg_removes_photos))) {
         return;
     }
     if (!remove_tree(path)) {

@@ -133,6 +133,13 @@ void GlobalOptionDialog::read_from_global() {
 }
 
 void GlobalOptionDialog::write_to_global() {
+    // A path of the command line that the user leaves alone stays one for this run.
+    if (from_entry_.is_changed()) {
+        g_stored_paths.from.reset();
+    }
+    if (album_entry_.is_changed()) {
+        g_stored_paths.album.reset();
+    }
     g_global.from = from_entry_.get();
     g_global.album = album_entry_.get();
     g_global.shrink_width = get_number(width_spinner_);

@@ -38,6 +38,7 @@ class GlobalOptionDialog : public Gtk::Dialog {
         Gtk::Entry entry;
         kept_text_t kept;
 
+        [[nodiscard]] bool is_changed() const { return !kept.is_left_alone(entry.get_text()); }
         void set(const std::string& text) { entry.set_text(kept.keep(text)); }
         [[nodiscard]] std::string get() const { return kept.bytes(entry.get_text()); }
     };

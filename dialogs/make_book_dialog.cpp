@@ -5,6 +5,7 @@
 #include <gtkmm/label.h>
 #include <gtkmm/stock.h>
 
+#include <filesystem>
 #include <iostream>
 
 #include "album/album_layout.h"
@@ -35,6 +36,13 @@ Gtk::HBox& make_row(Gtk::Label& label, Gtk::Entry& entry) {
     row->pack_start(label, Gtk::PACK_SHRINK);
     row->pack_start(entry);
     return *row;
+}
+
+// The path of `folder` from `directory` on, "" when it lies elsewhere or is that directory.
+std::string name_inside(const std::string& folder, const std::string& directory) {
+    std::error_code failure;
+    const std::string name = std::filesystem::relative(folder, directory, failure).string();
+    return failure || name == "." || name == ".." || name.starts_with("../") ? "" : name;
 }
 
 }  // namespace
@@ -84,6 +92,7 @@ std::string MakeBookDialog::get_bookdir() const {
 bool MakeBookDialog::button_update() {
     comment_texts_t texts;
     loadcommenttxt(get_bookdir(), texts.title, texts.head, texts.last);
+    fields_.show({});
     fields_.fill(texts);
     show_all_children();
     return true;
@@ -94,12 +103,18 @@ void MakeBookDialog::button_directory() {
     chooser.add_button(Gtk::Stock::OPEN, Gtk::RESPONSE_OK);
     chooser.add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     chooser.set_default_response(Gtk::RESPONSE_OK);
-    const Glib::ustring name = name_.get_text();
-    chooser.set_current_folder(name.empty() ? directory_ : from_toolkit(name));
+    const std::string start = get_bookdir();
+    chooser.set_current_folder(is_exist(start) ? start : directory_);
     if (chooser.run() != Gtk::RESPONSE_OK) {
         return;
     }
-    name_.set_text(chosen_.keep(chooser.get_filename()));
+    chooser.hide();
+    const std::string name = name_inside(chooser.get_filename(), directory_);
+    if (name.empty()) {
+        show_error(*this, message_text(msg_outside_book) + "\n" + to_toolkit(directory_));
+        return;
+    }
+    name_.set_text(chosen_.keep(name));
     button_update();
 }
 
@@ -113,23 +128,24 @@ void MakeBookDialog::on_response(int response) {
 void MakeBookDialog::store() {
     bookdir_ = get_bookdir();
     texts_ = fields_.texts();
-    if (empty()) {
-        // Nothing typed must not wipe out the texts of the directory that stands in for the missing name.
-        comment_texts_t before;
-        loadcommenttxt(bookdir_, before.title, before.head, before.last);
-        texts_.title = texts_.title.empty() ? before.title : texts_.title;
-        texts_.head = texts_.head.empty() ? before.head : texts_.head;
-        texts_.last = texts_.last.empty() ? before.last : texts_.last;
+    is_made_ = !empty() && save_texts();
+    if (is_made_ && !makehtmlbook(bookdir_)) {
+        libutils::report("makehtmlindex() failed.");
+    }
+}
+
+bool MakeBookDialog::save_texts() {
+    if (is_album(bookdir_)) {
+        show_error(*this, msg_names_an_album);
+        return false;
     }
     libutils::mkdir(bookdir_.c_str());
     talolib::trace(std::cout, bookdir_, ": mkdired.");
     if (!savecommenttxt(bookdir_, texts_.title, texts_.head, texts_.last)) {
         show_error(*this, msg_comments_failed);
-        return;
+        return false;
     }
-    if (!makehtmlbook(bookdir_)) {
-        libutils::report("makehtmlindex() failed.");
-    }
+    return true;
 }
 
 }  // namespace taloram

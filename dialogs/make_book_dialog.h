@@ -11,7 +11,8 @@
 namespace taloram {
 
 // Makes a book in a directory, or takes over an existing directory as one: on OK and on Apply it creates the book's
-// directory, saves its texts and writes its index page. With an empty name it edits the directory itself.
+// directory, saves its texts and writes its index page. Without a name, and for the name of an album, it writes
+// nothing.
 class MakeBookDialog : public Gtk::Dialog {
   public:
     MakeBookDialog(Gtk::Window& parent, const std::string& directory);
@@ -22,7 +23,10 @@ class MakeBookDialog : public Gtk::Dialog {
     // True when the last OK or Apply came without a name.
     [[nodiscard]] bool empty() const { return bookdir_ == directory_; }
 
-    // Fills in the texts that the named directory already has.
+    // True when the last OK or Apply wrote the book's texts.
+    [[nodiscard]] bool is_made() const { return is_made_; }
+
+    // Fills in the texts that the named directory already has, in place of those of the name before.
     bool button_update();
     void button_directory();
 
@@ -32,11 +36,13 @@ class MakeBookDialog : public Gtk::Dialog {
   private:
     void build();
     void store();
+    [[nodiscard]] bool save_texts();
 
     std::string directory_;
     std::string bookdir_;  // taken on the last OK or Apply, as the texts
     comment_texts_t texts_;
-    kept_text_t chosen_;  // the chooser's folder
+    bool is_made_ = false;
+    kept_text_t chosen_;  // the chooser's folder, as a name in the directory
     comment_fields_t fields_;
     Gtk::Button directory_button_;
     Gtk::Entry name_;

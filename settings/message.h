@@ -93,7 +93,15 @@ enum e_message_local_t : talolib::e_message_t {
     msg_no_room = 86,
     // photographs' windows: 87 to 98
     msg_reserved_99 = 99,
-    // books' windows: 100 to 118
+    msg_names_an_album = 100,     // a new book's name
+    msg_names_a_book = 101,       // a new album's name
+    msg_outside_book = 102,       // followed by the book's directory
+    msg_book_name_missing = 103,  // below msg_title_missing
+    msg_complete_album = 104,
+    msg_removes_photos = 105,  // below the question msg_remove
+    msg_other_writer = 106,
+    msg_text_unreadable = 107,  // followed by what was reported
+    // books' windows: 108 to 118
     msg_reserved_119 = 119,
     // the viewer: 120 to 124
     msg_reserved_125 = 125,

@@ -32,5 +32,6 @@ global_t::global_t()
 }
 
 global_t g_global;
+stored_paths_t g_stored_paths;
 
 }  // namespace taloram

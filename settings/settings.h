@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace taloram {
@@ -21,5 +22,13 @@ struct global_t {
 };
 
 extern global_t g_global;
+
+// What the settings file goes on saying about a path that the command line replaced for this run.
+struct stored_paths_t {
+    std::optional<std::string> from;
+    std::optional<std::string> album;
+};
+
+extern stored_paths_t g_stored_paths;
 
 }  // namespace taloram

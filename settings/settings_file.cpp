@@ -105,8 +105,8 @@ bool loadini(const char* dir, const char* name) {
 void saveini(const char* dir, const char* name) {
     std::ostringstream out;
     const libutils::classic_numbers numbers(out);
-    write_text(out, "from", g_global.from);
-    write_text(out, "album", g_global.album);
+    write_text(out, "from", g_stored_paths.from.value_or(g_global.from));
+    write_text(out, "album", g_stored_paths.album.value_or(g_global.album));
     writeiniline(out, "shrink_size", libutils::join_text(g_global.shrink_width, ",", g_global.shrink_height));
     writeiniline(out, "jpeg_compress", g_global.jpeg_compress);
     writeiniline(out, "horizontal_items", g_global.horizontal_items);

@@ -14,8 +14,8 @@ namespace taloram {
 // file, is reported and changes nothing.
 [[nodiscard]] bool loadini(const char* dir, const char* name);
 
-// Writes g_global to the settings file; the old one stays when that fails. Texts lose their line ends: a setting is a
-// line. Reports nothing.
+// Writes g_global to the settings file, with g_stored_paths in place of paths that count for this run only; the old one
+// stays when that fails. Texts lose their line ends: a setting is a line. Reports nothing.
 void saveini(const char* dir, const char* name);
 
 // One line of the settings file: key, "=", value, CR LF.

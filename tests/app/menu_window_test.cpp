@@ -115,8 +115,17 @@ TEST_F(MainWindow, TakesPathsFromTheCommandLineForOneRun) {
     saveini("", "taloram");
     EXPECT_TRUE(shows_text(*open({"/card", dir_ / "elsewhere"}), message_text(msg_no_directory)));
     EXPECT_EQ(g_global.from, "/card");
+    g_stored_paths.from = "/mnt/stored";
+    on_next_dialog([this](Gtk::Dialog& options) {
+        find_all<Gtk::Entry>(options).at(1)->set_text(dir_ / "chosen");
+        click(options, "OK");
+    });
+    click(*window_, "Options");
+    EXPECT_EQ(g_global.from, "/card");
     EXPECT_TRUE(loadini("", "taloram"));
-    EXPECT_EQ(g_global.album, album_);
+    EXPECT_EQ(g_global.from, "/mnt/stored") << "the entry was left alone";
+    EXPECT_EQ(g_global.album, dir_ / "chosen");
+    g_stored_paths = {};
 }
 
 TEST_F(MainWindow, FirstStartAsksForTheOptions) {

@@ -1,11 +1,19 @@
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/file.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <filesystem>
 #include <list>
 
+#include "album/book_index.h"
 #include "album/comment_store.h"
+#include "album/write_lock.h"
+#include "dialogs/edit_album_dialog.h"
 #include "dialogs/edit_book_dialog.h"
+#include "dialogs/make_book_dialog.h"
+#include "dialogs/writer_box.h"
 #include "libutils/directory.h"
 #include "settings/settings.h"
 #include "tests/dialogs/toolkit_driver.h"
@@ -122,28 +130,49 @@ TEST_F(BookDialogs, RenamesAndRemovesTheRightEntries) {
 }
 
 TEST_F(BookDialogs, MakesBooks) {
+    make_entry(book_ + "/summer", "Summer");
+    std::filesystem::create_directory(book_ + "/summer/original");
+    const auto named = [](const char* name, const char* button) {
+        return [name, button](Gtk::Dialog& dialog) {
+            type(dialog, 0, name);
+            click(dialog, button);
+        };
+    };
     on_next_dialog(clicking("New Book"));
-    on_next_dialog(clicking("OK"));
-    answer_next("Please enter a title.", "OK");
-    on_next_dialog([](Gtk::Dialog& dialog) {
-        type(dialog, 0, "no/such");
-        click(dialog, "Apply");
+    on_next_dialog([this](Gtk::Dialog& dialog) {
+        auto& maker = dynamic_cast<MakeBookDialog&>(dialog);
+        EXPECT_TRUE(maker.button_update());  // the name was left empty
+        EXPECT_EQ("Travels", find_all<Gtk::Entry>(dialog).at(1)->get_text());
+        type(dialog, 0, "new");
+        EXPECT_TRUE(maker.button_update());
+        EXPECT_EQ("", find_all<Gtk::Entry>(dialog).at(1)->get_text()) << "another name's title";
+        type(dialog, 1, "This year");
+        type(dialog, 0, "");
+        click(dialog, "OK");
     });
+    answer_next(message_text(msg_title_missing) + "\n" + message_text(msg_book_name_missing), "OK");
+    on_next_dialog(named("summer", "OK"));
+    answer_next(message_text(msg_names_an_album), "OK");
+    on_next_dialog(named("no/such", "OK"));
     answer_next("The texts could not be saved.", "OK");
     on_next_dialog([](Gtk::Dialog& dialog) {
+        EXPECT_EQ("This year", find_all<Gtk::Entry>(dialog).at(1)->get_text()) << "kept by every refusal";
         type(dialog, 0, "2026 $HOME");
-        type(dialog, 1, "This year");
         click(dialog, "OK");
     });
     on_next_dialog(clicking("Cancel"));
     edit_book(window_, book_);
     EXPECT_EQ("This year", title_of(book_ + "/2026 $HOME"));
     EXPECT_EQ("Travels", title_of(book_));
+    EXPECT_EQ("Summer", title_of(book_ + "/summer"));
+    EXPECT_FALSE(std::filesystem::exists(book_ + "/index.html")) << "nobody pressed OK there";
     EXPECT_TRUE(std::filesystem::exists(book_ + "/2026 $HOME/index.html"));
 }
 
 TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
     make_entry(book_ + "/sub", "Sub");
+    make_entry(book_ + "/made before", "A book");
+    EXPECT_TRUE(makehtmlbook(book_ + "/made before"));
     const auto maker_with = [](size_t entry, const char* text) {
         return [entry, text](Gtk::Dialog& maker) {
             type(maker, entry, text);
@@ -174,6 +203,8 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
     answer_next("Please enter a name for the album.", "OK");
     on_next_dialog(maker_with(1, "sub"));
     answer_next("This album exists already. Add to it?", "No");
+    on_next_dialog(maker_with(1, "made before"));
+    answer_next(message_text(msg_names_a_book), "OK");
     on_next_dialog(maker_with(1, "sub/day 1"));
     answer_next("Please enter a title.", "OK");
     on_next_dialog(titled("Day one"));
@@ -213,6 +244,92 @@ TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
     EXPECT_THAT(fail_to_make("full", "There is not enough free space for this album. Nothing was copied."),
                 testing::EndsWith(" TiB more free space is needed for this import.\n"));
     EXPECT_FALSE(std::filesystem::exists(book_ + "/full"));
+}
+
+// Rows far down have widgets only while they are seen; what was typed into one must not go with them.
+TEST_F(BookDialogs, KeepsWhatWasTypedIntoRowsThatWereScrolledAway) {
+    for (int i = 100; i < 220; ++i) {
+        make_entry(book_ + "/" + std::to_string(i), "");
+    }
+    on_next_dialog([&](Gtk::Dialog& dialog) {
+        const auto entry_of = [&](const std::string& name) -> Gtk::Entry* {
+            for (Gtk::Entry* entry : find_all<Gtk::Entry>(dialog)) {
+                if (entry->get_tooltip_text() == name) {
+                    return entry;
+                }
+            }
+            return nullptr;
+        };
+        const auto scroll_to = [&](double part) {
+            const auto place = find_all<Gtk::ScrolledWindow>(dialog).at(1)->get_vadjustment();
+            place->set_value(part * place->get_upper());
+            settle();
+        };
+        settle();
+        EXPECT_LT(find_all<Gtk::Entry>(dialog).size(), 60U);
+        EXPECT_EQ(entry_of("160"), nullptr);
+        scroll_to(0.5);
+        ASSERT_NE(entry_of("160"), nullptr);
+        entry_of("160")->set_text("renamed");
+        scroll_to(0);
+        EXPECT_EQ(entry_of("160"), nullptr);
+        entry_of("219")->grab_focus();
+        for (int i = 0; i < 3 * 70; ++i) {  // name, open, remove
+            dialog.child_focus(Gtk::DIR_TAB_FORWARD);
+            settle();
+        }
+        EXPECT_EQ(dialog.get_focus(), entry_of("149")) << "the keyboard goes through every row";
+        click(dialog, "OK");
+    });
+    edit_book(window_, book_);
+    EXPECT_FALSE(std::filesystem::exists(book_ + "/160"));
+    EXPECT_TRUE(std::filesystem::exists(book_ + "/renamed/txt/head.txt"));
+}
+
+TEST_F(BookDialogs, OffersToCompleteAnInterruptedAlbum) {
+    const std::string album = book_ + "/stopped";
+    make_entry(album, "Stopped");
+    std::filesystem::create_directory(album + "/original");
+    std::filesystem::copy(card_ + "/P1.JPG", album + "/original/P1.JPG");
+    const auto left_alone = [&](Gtk::Dialog& book) {
+        EXPECT_EQ("Edit Book - stopped", book.get_title());
+        EXPECT_FALSE(std::filesystem::exists(album + "/thumb"));
+        click(book, "Cancel");
+    };
+    for (const char* answer : {"No", "Yes"}) {
+        on_next_dialog(clicking("Photos stopped"));
+        answer_next(message_text(msg_complete_album), answer);
+        on_next_dialog(*answer == 'N' ? std::function<void(Gtk::Dialog&)>(left_alone) : [](Gtk::Dialog& editor) {
+            EXPECT_NE(dynamic_cast<EditAlbumDialog*>(&editor), nullptr);
+            click(editor, "Cancel");
+        });
+        on_next_dialog(clicking("Cancel"));
+        edit_book(window_, book_);
+    }
+    EXPECT_TRUE(std::filesystem::exists(album + "/thumb/P1.JPG"));
+}
+
+TEST_F(BookDialogs, WaitsForAnotherProgramUntilCancelled) {
+    const int other = open(book_.c_str(), O_RDONLY | O_DIRECTORY);
+    g_wait_for_writer = wait_for_writer;
+    for (const bool gives_up : {true, false}) {
+        ASSERT_EQ(flock(other, LOCK_EX), 0);
+        on_next_dialog([&](Gtk::Dialog& box) {
+            EXPECT_TRUE(shows_text(box, message_text(msg_other_writer)));
+            if (gives_up) {
+                click(box, "Cancel");
+            } else {
+                flock(other, LOCK_UN);
+            }
+        });
+        bool saved = false;
+        static_cast<void>(stderr_of([&] { saved = savecommenttxt(book_, "Later", "", ""); }));
+        EXPECT_NE(saved, gives_up);
+        EXPECT_EQ(title_of(book_), gives_up ? "Travels" : "Later");
+        wait_until([] { return gtk_grab_get_current() == nullptr; });
+    }
+    g_wait_for_writer = nullptr;
+    close(other);
 }
 
 }  // namespace

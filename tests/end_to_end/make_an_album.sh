@@ -76,7 +76,7 @@ first_start() {
 
 make_book() {
     press alt+e
-    wait_window "Edit Book"
+    wait_window "Edit Book - albums"
     editor=$window
     fill "Our albums"
     press alt+n
@@ -86,7 +86,7 @@ make_book() {
     fill "Travels"
     press Return
     has "Travels" "$albums/travel/index.html"
-    wait_window "Edit Book" "$editor"
+    wait_window "Edit Book - albums" "$editor"
     editor=$window
 }
 
@@ -105,7 +105,7 @@ make_album() {
     press alt+o
     has "IMG_0003.JPG" "$albums/summer/index.html"
     has "summer/index.html" "$albums/index.html"
-    wait_window "Edit Book" "$editor"
+    wait_window "Edit Book - albums" "$editor"
     editor=$window
     check test "$(ls "$albums/summer/original")" = $'IMG_0001.JPG\nIMG_0003.JPG'
     for photograph in IMG_0001.JPG IMG_0003.JPG; do
@@ -150,7 +150,7 @@ write_comment() {
     wait_window "Edit Book - summer"
     press alt+o
     has "The first boat" "$albums/summer/index.html"
-    wait_window "Edit Book"
+    wait_window "Edit Book - albums"
 }
 
 rename_album() {
@@ -160,7 +160,7 @@ rename_album() {
     has "sommer/index.html" "$albums/index.html"
     check is_gone "$albums/summer"
     check test -f "$albums/sommer/original/IMG_0003.JPG"
-    wait_window "Edit Book" "$editor"
+    wait_window "Edit Book - albums" "$editor"
 }
 
 remove_book() {
@@ -168,13 +168,13 @@ remove_book() {
     press Tab Tab space
     wait_window "Remove"
     press Escape
-    wait_window "Edit Book"
+    wait_window "Edit Book - albums"
     check test -d "$albums/travel"
     press space
     wait_window "Remove"
     press alt+o
     wait_for 60 "The book's removal" is_gone "$albums/travel"
-    wait_window "Edit Book"
+    wait_window "Edit Book - albums"
     check test -f "$albums/sommer/index.html"
 }
 
