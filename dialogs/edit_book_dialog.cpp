@@ -62,7 +62,7 @@ bool lies_in_book(const std::string& album, const std::string& book) {
 }  // namespace
 
 EditBookDialog::EditBookDialog(Gtk::Window& parent, const std::string& bookdir)
-    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::filename(bookdir)), parent, true),
+    : Gtk::Dialog(message_text(msg_edit) + " - " + to_toolkit(libutils::directory_name(bookdir)), parent, true),
       book_directory_(bookdir),
       table_(1, 1, false),
       progress_(*this) {
