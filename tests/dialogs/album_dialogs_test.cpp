@@ -146,11 +146,12 @@ TEST(EditAlbumDialog, what_can_not_be_read_is_named_and_stays) {
     rename((head + ".kept").c_str(), head.c_str());
     on_next_dialog([](Gtk::Dialog& box) { click(box, "P.JPG"), click(box, "OK"); });
     answer_next(comment + ": Is a directory", "OK");
-    on_next_dialog([](Gtk::Dialog& box) {
+    on_next_dialog([&](Gtk::Dialog& box) {
         EXPECT_TRUE(find_button(box, "OK") == nullptr && !find_all<Gtk::TextView>(box).at(0)->get_editable());
+        rmdir(comment.c_str());
         click(box, "Cancel");
     });
-    answer_next(head + ": Is a directory", "OK");
+    answer_next("The texts could not be saved.\n" + head + ": Is a directory", "OK");
     EXPECT_EQ(Gtk::RESPONSE_OK, dialog.run());
     EXPECT_TRUE(all_answered());
     EXPECT_EQ('T', read_file(head).at(0)) << "readable again, but nobody saw it";
