@@ -17,6 +17,7 @@
 #include "dialogs/view_book_dialog.h"
 #include "libutils/path.h"
 #include "libutils/system_path.h"
+#include "libutils/text.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "shooting_data/exif_summary.h"
@@ -107,12 +108,10 @@ void MenuWindow::pack_widgets() {
     box_.pack_start(plain_text(head_view_, text_height), Gtk::PACK_SHRINK);
     box_.pack_start(rows_.headings(), Gtk::PACK_SHRINK);
     box_.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET, 0);
-    for (const auto& [column, text] : {std::pair(name_column, msg_directory_column),
-                                       {count_column, msg_count_column},
-                                       {title_column, msg_title},
-                                       {head_column, msg_text_column}}) {
-        rows_.add_heading(column, text);
-    }
+    rows_.add_headings({{name_column, msg_directory_column},
+                        {count_column, msg_count_column},
+                        {title_column, msg_title},
+                        {head_column, msg_text_column}});
     table_.set_row_spacings(2);
     scroller_.add(table_);
     refresh();
@@ -163,14 +162,16 @@ bool MenuWindow::make_items() {
 }
 
 void MenuWindow::show_comments() {
-    std::string title;
-    std::string head;
-    std::string last;
-    loadcommenttxt(g_global.album, title, head, last);
-    set_short_text(title_label_, to_toolkit(title), 100);
+    comment_texts_t texts;
+    const unread_text_t unread = load_comments(texts, g_global.album);
+    set_short_text(title_label_, to_toolkit(texts.title), 100);
     title_label_.set_xalign(0.5);
-    head_view_.get_buffer()->set_text(to_toolkit(head));
-    last_view_.get_buffer()->set_text(to_toolkit(last));
+    for (std::string* text : {&texts.head, &texts.last}) {
+        libutils::chop2(*text);  // line ends after the last line would be empty lines of the window
+    }
+    head_view_.get_buffer()->set_text(unread ? message_text(msg_text_unreadable) + "\n" + to_toolkit(unread.path)
+                                             : to_toolkit(texts.head));
+    last_view_.get_buffer()->set_text(to_toolkit(texts.last));
 }
 
 void MenuWindow::show_items() {
@@ -192,7 +193,7 @@ void MenuWindow::make_row(size_t index) {
     }
     rows_.attach(text_cell(to_toolkit(entry.count), widths_.count), count_column, index);
     rows_.attach(text_cell(to_toolkit(entry.title), widths_.title), title_column, index);
-    rows_.attach(text_cell(to_toolkit(entry.head_line), widths_.head), head_column, index);
+    rows_.attach(text_cell(shown_head(entry), widths_.head), head_column, index);
 }
 
 void MenuWindow::show_advice(e_message_local_t text) {

@@ -81,16 +81,13 @@ void EditBookDialog::build() {
     content.pack_start(caption(msg_head_comment, fields_.head, taken), Gtk::PACK_SHRINK);
     content.pack_start(framed_text(fields_.head, view_height), Gtk::PACK_SHRINK);
     table_.set_row_spacings(row_spacing);
-    hint_.set_text(message_text(msg_book_without_entries));
     hint_.set_line_wrap(true);
     scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
     scroller_.add(table_);
-    for (const auto& [column, text] : {std::pair(name_column, msg_directory_column),
-                                       {count_column, msg_count_column},
-                                       {title_column, msg_title},
-                                       {head_column, msg_text_column}}) {
-        rows_.add_heading(column, text);
-    }
+    rows_.add_headings({{name_column, msg_directory_column},
+                        {count_column, msg_count_column},
+                        {title_column, msg_title},
+                        {head_column, msg_text_column}});
     content.pack_start(rows_.headings(), Gtk::PACK_SHRINK);
     content.pack_start(scroller_);
     make_items();
@@ -135,6 +132,8 @@ bool EditBookDialog::make_items() {
     table_.resize(std::max(static_cast<guint>(items_.size()), 1U), columns);
     rows_.set_rows(items_.size());
     if (items_.empty()) {
+        hint_.set_text(listed ? message_text(msg_book_without_entries)
+                              : message_text(msg_not_opened) + "\n" + to_toolkit(book_directory_));
         table_.attach(hint_, 0, 1, 0, 1);
     }
     return listed;
@@ -152,7 +151,7 @@ void EditBookDialog::make_row(size_t index) {
     rows_.attach(button(entry.is_album ? msg_list : msg_edit, &EditBookDialog::button_list), open_column, index);
     rows_.attach(text_cell(to_toolkit(entry.count), widths_.count), count_column, index);
     rows_.attach(text_cell(to_toolkit(entry.title), widths_.title), title_column, index);
-    rows_.attach(text_cell(to_toolkit(entry.head_line), widths_.head), head_column, index);
+    rows_.attach(text_cell(shown_head(entry), widths_.head), head_column, index);
     rows_.attach(button(msg_remove, &EditBookDialog::button_remove), remove_column, index);
 }
 
@@ -396,6 +395,10 @@ void EditBookDialog::button_remove(size_t index) {
 
 void edit_book(Gtk::Window& parent, const std::string& directory) {
     comment_fields_t::drafts_t drafts;
+    comment_texts_t texts;
+    if (const unread_text_t unread = load_comments(texts, directory)) {
+        show_error(parent, message_text(msg_text_unreadable) + "\n" + to_toolkit(unread.path));
+    }
     for (;;) {
         EditBookDialog dialog(parent, directory);
         dialog.restore(drafts);

@@ -15,11 +15,11 @@ namespace {
 constexpr int usual_height = 34;   // pixels of a row that was not measured yet
 constexpr int column_spacing = 8;  // the table has more columns than widgets, so it has no spacing of its own
 
-int width_of_column(const std::vector<book_entry_t>& entries, std::string book_entry_t::*text,
-                    e_message_local_t heading, int widest) {
+template <typename Text>
+int width_of_column(const std::vector<book_entry_t>& entries, e_message_local_t heading, int widest, const Text& text) {
     int width = width_of(message_text(heading));
     for (const book_entry_t& entry : entries) {
-        width = std::max(width, width_of(to_toolkit(entry.*text)));
+        width = std::max(width, width_of(text(entry)));
     }
     return std::min(width, widest);
 }
@@ -39,16 +39,20 @@ row_table_t::row_table_t(Gtk::ScrolledWindow& scroller, Gtk::Table& table, make_
     headings_.set_no_show_all();
 }
 
-void row_table_t::add_heading(guint column, e_message_local_t text) {
-    auto* label = Gtk::manage(new Gtk::Label(message_text(text)));
-    label->get_style_context()->add_class("dim-label");
-    label->show();
-    headings_.put(*label, 0, 0);
-    headed_.push_back({column, label});
-    Gtk::Requisition least;
-    Gtk::Requisition natural;
-    label->get_preferred_size(least, natural);
-    headings_.set_size_request(-1, natural.height);
+void row_table_t::add_headings(std::initializer_list<std::pair<guint, e_message_local_t>> headings) {
+    int height = 0;
+    for (const auto& [column, text] : headings) {
+        auto* label = Gtk::manage(new Gtk::Label(message_text(text)));
+        label->get_style_context()->add_class("dim-label");
+        label->show();
+        headings_.put(*label, 0, 0);
+        headed_.push_back({column, label});
+        Gtk::Requisition least;
+        Gtk::Requisition natural;
+        label->get_preferred_size(least, natural);
+        height = std::max(height, natural.height);
+    }
+    headings_.set_size_request(-1, height);
 }
 
 void row_table_t::set_rows(size_t count) {
@@ -210,17 +214,26 @@ void row_table_t::place_headings() {
     }
 }
 
+Glib::ustring shown_head(const book_entry_t& entry) {
+    return entry.unread ? message_text(msg_text_unreadable) + " " + to_toolkit(entry.unread.path)
+                        : to_toolkit(entry.head_line);
+}
+
 entry_widths_t widths_of(const std::vector<book_entry_t>& entries) {
-    return {width_of_column(entries, &book_entry_t::name, msg_directory_column, 24),
-            width_of_column(entries, &book_entry_t::count, msg_count_column, 16),
-            width_of_column(entries, &book_entry_t::title, msg_title, 30),
-            width_of_column(entries, &book_entry_t::head_line, msg_text_column, 40)};
+    const auto text_of = [](std::string book_entry_t::*text) {
+        return [text](const book_entry_t& entry) { return to_toolkit(entry.*text); };
+    };
+    return {width_of_column(entries, msg_directory_column, 24, text_of(&book_entry_t::name)),
+            width_of_column(entries, msg_count_column, 16, text_of(&book_entry_t::count)),
+            width_of_column(entries, msg_title, 30, text_of(&book_entry_t::title)),
+            width_of_column(entries, msg_text_column, 40, shown_head)};
 }
 
 Gtk::Label& text_cell(const Glib::ustring& text, int characters) {
     auto* label = Gtk::manage(new Gtk::Label);
     set_short_text(*label, text, characters);
-    label->set_width_chars(std::min(characters, readable_characters));
+    // Digits and capitals are wider than the letter that widths are counted in.
+    label->set_width_chars(std::min(characters + characters / 5, readable_characters));
     return *label;
 }
 

@@ -6,7 +6,9 @@
 #include <gtkmm/table.h>
 
 #include <functional>
+#include <initializer_list>
 #include <map>
+#include <utility>
 #include <vector>
 
 #include "album/book_entries.h"
@@ -26,8 +28,8 @@ class row_table_t : public sigc::trackable {
     // All rows are as high as the first that is made.
     row_table_t(Gtk::ScrolledWindow& scroller, Gtk::Table& table, make_row_t make_row);
 
-    // A label above a column, in the line that headings() gives; it is shown as long as there are rows.
-    void add_heading(guint column, e_message_local_t text);
+    // Labels above columns, in the line that headings() gives; it is shown as long as there are rows.
+    void add_headings(std::initializer_list<std::pair<guint, e_message_local_t>> headings);
     [[nodiscard]] Gtk::Widget& headings() { return headings_; }
 
     // Makes the list anew with `count` rows; it stays scrolled to where it is.
@@ -81,6 +83,9 @@ struct entry_widths_t {
     int title = 0;
     int head = 0;
 };
+// The first line of an entry's opening text, or that the entry's texts can't be read.
+[[nodiscard]] Glib::ustring shown_head(const book_entry_t& entry);
+
 [[nodiscard]] entry_widths_t widths_of(const std::vector<book_entry_t>& entries);
 
 // A cell of text: as wide as its column's longest text of `characters` asks for, whatever it holds itself, so that

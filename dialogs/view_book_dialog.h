@@ -3,15 +3,15 @@
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
 #include <gtkmm/dialog.h>
-#include <gtkmm/grid.h>
 #include <gtkmm/label.h>
 #include <gtkmm/scrolledwindow.h>
+#include <gtkmm/table.h>
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "album/book_entries.h"
+#include "dialogs/row_table.h"
 #include "dialogs/viewer_parts.h"
 
 namespace taloram {
@@ -23,16 +23,8 @@ class ViewBookDialog : public Gtk::Dialog {
     ViewBookDialog(Gtk::Window& parent, const std::string& book, const std::string& program_directory);
 
   private:
-    struct row_t {
-        Gtk::Label name;
-        Gtk::Button open;
-        Gtk::Label count;
-        Gtk::Label title;
-        Gtk::Label head;
-    };
-
-    void make_headings();
-    void make_row(const book_entry_t& entry, int line);
+    void show_entries(Gtk::Box& content);
+    void make_row(size_t index);
     void make_buttons();
     void open_entry(const book_entry_t& entry);
 
@@ -40,9 +32,11 @@ class ViewBookDialog : public Gtk::Dialog {
     std::string program_directory_;
     viewer_texts_t texts_;
     Gtk::ScrolledWindow scroller_;
-    Gtk::Grid table_;
+    Gtk::Table table_;
     Gtk::Label empty_;
-    std::vector<std::unique_ptr<row_t>> rows_;
+    std::vector<book_entry_t> entries_;
+    entry_widths_t widths_;
+    row_table_t rows_{scroller_, table_, [this](size_t index) { make_row(index); }};
     Gtk::Button page_button_;
     Gtk::Button close_button_;
 };

@@ -95,6 +95,16 @@ TEST_F(MainWindow, SaysWhatToDoWithoutAlbums) {
     EXPECT_TRUE(shows_text(*window_, message_text(msg_no_directory)));
 }
 
+TEST_F(MainWindow, TellsWhichTextsCantBeRead) {
+    const std::string own = album_ + "/txt/head.txt";
+    const std::string below = album_ + "/1/txt/head.txt";
+    std::filesystem::create_directories(own);
+    std::filesystem::create_directories(below);
+    EXPECT_TRUE(shows_text(*open(), message_text(msg_text_unreadable) + " " + below));
+    EXPECT_EQ(find_all<Gtk::TextView>(*window_).at(0)->get_buffer()->get_text(),
+              message_text(msg_text_unreadable) + "\n" + own);
+}
+
 TEST_F(MainWindow, FitsTheScreenWithManyLongRows) {
     for (int i = 0; i < 60; ++i) {
         make_entry(std::to_string(i) + std::string(150, 'n'), std::string(300, 't'), "1/1\n");

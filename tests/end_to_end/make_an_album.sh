@@ -188,10 +188,22 @@ close_all() {
     check wait "$taloram"
 }
 
+# A closed stream must not lend its number to the connection with the display.
+start_without_streams() {
+    "$bin/taloram" >&- 2>&- &
+    taloram=$!
+    wait_window "taloram - Photo Albums"
+    check test "$(readlink "/proc/$taloram/fd/1")" = /dev/null
+    check test "$(readlink "/proc/$taloram/fd/2")" = /dev/null
+    press alt+c
+    wait_for 30 "The program's end" has_ended
+}
+
 mkdir "$place/home"
 "$bin/make_samples" "$card"
 start_desktop "$place/home"
-for step in first_start make_book make_album compare_with_talomake write_comment rename_album remove_book close_all; do
+for step in first_start make_book make_album compare_with_talomake write_comment rename_album remove_book close_all \
+    start_without_streams; do
     echo "$step"
     "$step"
 done
