@@ -47,7 +47,7 @@ bool parse_within(uint64_t& number, const std::string& value, uint64_t least, ui
 // False for a value that can't be used; the one from before stands.
 bool apply_setting(const std::string& key, const std::string& value) {
     constexpr uint64_t best_quality = 100;
-    constexpr uint64_t most_items = 1000;  // wider than any screen
+    constexpr uint64_t most_items = 1000;  // wider than any screen; 0 acts as 1
     if (key == "from") {
         g_global.from = value;
     } else if (key == "album") {
@@ -61,7 +61,7 @@ bool apply_setting(const std::string& key, const std::string& value) {
     } else if (key == "jpeg_compress") {
         return parse_within(g_global.jpeg_compress, value, 0, best_quality);
     } else if (key == "horizontal_items") {
-        return parse_within(g_global.horizontal_items, value, 1, most_items);
+        return parse_within(g_global.horizontal_items, value, 0, most_items);
     } else if (key != "shrink_level") {  // of earlier settings files
         libutils::report("Unrecognized name: ", key);
     }

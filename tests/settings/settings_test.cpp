@@ -91,7 +91,7 @@ TEST(Settings, NumbersAndUnknownKeys) {
         {"jpeg_compress=010\r", 1, 2, 8, ""},
         {"jpeg_compress=fine", 1, 2, 1, "~: can't be used: jpeg_compress=fine\n"},
         {"jpeg_compress=101", 1, 2, 1, "~: can't be used: jpeg_compress=101\n"},
-        {"horizontal_items=0", 1, 2, 1, "~: can't be used: horizontal_items=0\n"},
+        {"horizontal_items=1001", 1, 2, 1, "~: can't be used: horizontal_items=1001\n"},
         {"shrink_level=3", 1, 2, 1, ""},
         {"no setting", 1, 2, 1, ""},
         {"Quality=3", 1, 2, 1, "Unrecognized name: Quality\n"},
