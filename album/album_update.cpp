@@ -81,6 +81,14 @@ bool batchupdate(const std::string& path, const update_options_t& options, progr
                step_done(treat_orphans(album, options.orphans), "prune") && updatealbum(files, album, progress);
     };
     const auto update_book = [&](const std::string& book) {
+        // It may have become an album while its import was waited for.
+        write_lock_t lock;
+        if (!lock_album(lock, book)) {
+            return false;
+        }
+        if (is_album(book)) {
+            return update_album(book);
+        }
         progress.begun.emit(book, {});
         return update_book_page(book);
     };

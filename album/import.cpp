@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <functional>
 #include <set>
 
 #include "album/album_pages.h"
@@ -34,14 +35,12 @@ class import_t {
              const import_options_t& options)
         : srcdir_(srcdir), album_(album), options_(options), files_(files) {}
 
-    [[nodiscard]] bool load_manifest() { return manifest_.load(album_); }
+    [[nodiscard]] import_result_t run(progress_signals_t& progress);
+
+  private:
     [[nodiscard]] bool copy(progress_t& progress);
     [[nodiscard]] bool verify(progress_t& progress);
     [[nodiscard]] bool make_sizes(progress_t& progress);
-
-    [[nodiscard]] const std::vector<std::string>& left_out() const { return left_out_; }
-
-  private:
     [[nodiscard]] bool note_sums(progress_t& progress, bool from_disk);
     [[nodiscard]] bool note_sum(const std::string& name, bool from_disk);
     [[nodiscard]] bool remove_failed();
@@ -49,8 +48,11 @@ class import_t {
     void drop_failed();
 
     // True when the step is to go on with the other files.
-    [[nodiscard]] bool collect(const files_t& file) {
-        failed_.push_back(file.filename);
+    [[nodiscard]] bool collect(const files_t& file, const std::error_code& reason = {}) {
+        failed_.push_back({file.filename, heard_.line() + (reason ? " " + reason.message() : "")});
+        if (!options_.keep_going && ended_at_.name.empty()) {
+            ended_at_ = failed_.back();
+        }
         return options_.keep_going;
     }
     [[nodiscard]] failed_file_t collector() {
@@ -60,11 +62,44 @@ class import_t {
     std::string srcdir_;
     std::string album_;
     import_options_t options_;
-    std::vector<files_t> files_;         // those that did not fail so far
-    std::vector<std::string> failed_;    // in this step
-    std::vector<std::string> left_out_;  // in earlier steps
+    std::vector<files_t> files_;        // those that did not fail so far
+    std::vector<left_out_t> failed_;    // in this step
+    std::vector<left_out_t> left_out_;  // in earlier steps
+    left_out_t ended_at_;               // the file whose failure ended the import
+    libutils::first_report_t heard_;    // about the file that is worked on
     manifest_t manifest_;
 };
+
+import_result_t import_t::run(progress_signals_t& progress) {
+    struct step_t {
+        stage_t stage;
+        const char* name;
+        std::function<bool(progress_t&)> run;
+    };
+    const step_t steps[] = {
+        {stage_t::copy, "copyfiles", [this](progress_t& done) { return copy(done); }},
+        {stage_t::verify, "verify", [this](progress_t& done) { return verify(done); }},
+        {stage_t::sizes, "shrink", [this](progress_t& done) { return make_sizes(done); }},
+        {stage_t::pages, "makehtml", [this](progress_t& done) { return makehtml(album_, done); }},
+        {stage_t::zoom_pages, "makehtmlzoom", [this](progress_t& done) { return makehtmlzoom(album_, done); }},
+    };
+    if (!manifest_.load(album_)) {
+        return {stage_t::copy, "", heard_.line(), {}};
+    }
+    for (const step_t& step : steps) {
+        heard_.clear();
+        progress_t done;
+        done.connect([&](double fraction) {
+            heard_.clear();
+            progress.of(step.stage).emit(fraction);
+        });
+        if (!step_done(step.run(done), step.name)) {
+            const std::string reason = ended_at_.name.empty() ? heard_.line() : ended_at_.reason;
+            return {step.stage, ended_at_.name, reason, left_out_};
+        }
+    }
+    return {{}, "", "", left_out_};
+}
 
 bool import_t::copy(progress_t& progress) {
     const std::string originals = entry_path(album_, layout::original);
@@ -72,12 +107,13 @@ bool import_t::copy(progress_t& progress) {
         libutils::report(originals, ": mkdir failed, ", std::strerror(errno));
         return false;
     }
-    const bool copied = copy_files(srcdir_, files_, album_, progress,
-                                   [this](const files_t& file, const std::error_code&) { return collect(file); });
+    const bool copied =
+        copy_files(srcdir_, files_, album_, progress,
+                   [this](const files_t& file, const std::error_code& reason) { return collect(file, reason); });
     if (!copied) {
         // What was copied stays, and a sum of what it replaced would call it changed.
         files_.erase(std::find_if(files_.begin(), files_.end(),
-                                  [this](const files_t& file) { return file.filename == failed_.front(); }),
+                                  [this](const files_t& file) { return file.filename == failed_.front().name; }),
                      files_.end());
         progress_t unseen;
         static_cast<void>(manifest_.is_kept() && note_sums(unseen, false));
@@ -134,7 +170,7 @@ bool import_t::remove_failed() {
         return true;
     }
     bool removed = true;
-    for (const std::string& name : failed_) {
+    for (const auto& [name, reason] : failed_) {
         removed = (!is_photo(name) || remove_traces(album_, name)) && removed;
         removed = remove_original(name) && removed;
     }
@@ -159,7 +195,10 @@ bool import_t::remove_original(const std::string& name) {
 }
 
 void import_t::drop_failed() {
-    const std::set<std::string> failed(failed_.begin(), failed_.end());
+    std::set<std::string> failed;
+    for (const left_out_t& file : failed_) {
+        failed.insert(file.name);
+    }
     std::erase_if(files_, [&](const files_t& file) { return failed.count(file.filename) != 0; });
     left_out_.insert(left_out_.end(), failed_.begin(), failed_.end());
     failed_.clear();
@@ -171,32 +210,22 @@ bool makealbumwithrotate(const std::string& srcdir, const std::vector<files_t>& 
                          progress_t& copyprogress, progress_t& shrinkprogress, progress_t& htmlprogress,
                          progress_t& zoomprogress) {
     progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
-    std::vector<std::string> left_out;
-    return import_album(srcdir, files, album, {}, progress, left_out);
+    return import_album(srcdir, files, album, {}, progress).is_done();
 }
 
-bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                  const import_options_t& options, progress_signals_t& progress, std::vector<std::string>& left_out) {
-    if (!names_an_album(album)) {
-        return false;
-    }
+import_result_t import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                             const import_options_t& options, progress_signals_t& progress) {
+    const libutils::first_report_t heard;
     write_lock_t lock;
-    if (!lock_album(lock, album)) {
-        return false;
+    if (!names_an_album(album) || !lock_album(lock, album)) {
+        return {stage_t::copy, "", heard.line(), {}};
     }
     libutils::remove_leftovers(album);
     if (!end_left_turns(album)) {
-        return false;
+        return {stage_t::copy, "", heard.line(), {}};
     }
     progress.begun.emit(album, files);
-    import_t import(srcdir, files, album, options);
-    const bool made = import.load_manifest() && step_done(import.copy(progress.copy), "copyfiles") &&
-                      step_done(import.verify(progress.verify), "verify") &&
-                      step_done(import.make_sizes(progress.sizes), "shrink") &&
-                      step_done(makehtml(album, progress.pages), "makehtml") &&
-                      step_done(makehtmlzoom(album, progress.zoom_pages), "makehtmlzoom");
-    left_out = import.left_out();
-    return made;
+    return import_t(srcdir, files, album, options).run(progress);
 }
 
 bool hardlinkone(const std::string& from, const std::string& to) {

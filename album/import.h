@@ -1,5 +1,9 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "album/album_layout.h"
 #include "album/copy_files.h"
 #include "album/progress.h"
@@ -20,16 +24,30 @@ struct import_options_t {
     bool keep_going = false;
 };
 
+struct left_out_t {
+    std::string name;
+    std::string reason;  // as in import_result_t
+};
+
+struct import_result_t {
+    std::optional<stage_t> failed;  // the stage that ended the import, those before it are done; empty: all are
+    std::string file;               // at which it failed, "" when it was no file's fault
+    std::string reason;             // the innermost line that was reported about it
+    std::vector<left_out_t> left_out;
+
+    [[nodiscard]] bool is_done() const { return !failed; }
+};
+
 // The same with options, while no other program writes to the album. The steps are traced as above, that of the
 // comparison by "verify() failed.". An album that has SHA256SUMS keeps it, whether the import verifies or not.
 //
-// With keep_going `left_out` gets the names of the files that failed, and the result is true when nothing else did: of
-// a photograph that was left out the album has no original, no size, no thumbnail and no zoom page. But what can't be
-// copied replaces nothing and leaves an older file with its sizes as it was; and an original stays that is the album's
-// own or whose source can't be read any more, because it may be the only copy.
-[[nodiscard]] bool import_album(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                                const import_options_t& options, progress_signals_t& progress,
-                                std::vector<std::string>& left_out);
+// With keep_going the files that failed are left out, and the import is done when nothing else failed: of a photograph
+// that was left out the album has no original, no size, no thumbnail and no zoom page. But what can't be copied
+// replaces nothing and leaves an older file with its sizes as it was; and an original stays that is the album's own or
+// whose source can't be read any more, because it may be the only copy.
+[[nodiscard]] import_result_t import_album(const std::string& srcdir, const std::vector<files_t>& files,
+                                           const std::string& album, const import_options_t& options,
+                                           progress_signals_t& progress);
 
 // Makes `to` a hard link of `from`, replacing it. The paths go through a shell unquoted.
 [[nodiscard]] bool hardlinkone(const std::string& from, const std::string& to);

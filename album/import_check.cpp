@@ -120,17 +120,21 @@ std::vector<std::string> find_conflicts(const std::string& srcdir, const std::ve
     return conflicts;
 }
 
-bool has_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album) {
+std::string missing_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album) {
     const double free = free_bytes(album);
     if (free < 0 || room_of_import(srcdir, files, album, copies_t::all_made) <= free) {
-        return true;
+        return "";
     }
     const double needed = room_of_import(srcdir, files, album, copies_t::missing_made);
-    if (needed <= free) {
-        return true;
+    return needed <= free ? "" : readable_size(needed - free);
+}
+
+bool has_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album) {
+    const std::string missing = missing_room(srcdir, files, album);
+    if (!missing.empty()) {
+        libutils::report(album, ": ", missing, " more free space is needed for this import.");
     }
-    libutils::report(album, ": ", readable_size(needed - free), " more free space is needed for this import.");
-    return false;
+    return missing.empty();
 }
 
 }  // namespace taloram

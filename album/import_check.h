@@ -13,6 +13,11 @@ namespace taloram {
 [[nodiscard]] std::vector<std::string> find_conflicts(const std::string& srcdir, const std::vector<files_t>& files,
                                                       const std::string& album);
 
+// How much more room the album's file system needs for an import, as a text like "1.5 GiB"; "" when it has enough, as
+// has_room() tells.
+[[nodiscard]] std::string missing_room(const std::string& srcdir, const std::vector<files_t>& files,
+                                       const std::string& album);
+
 // False, after a report of how much is missing, when the album's file system has less free than the import is going to
 // take: the files that the album does not have yet, and an estimate of their reduced sizes. True where the system does
 // not tell.

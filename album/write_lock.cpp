@@ -56,12 +56,10 @@ void report_refusal(const std::string& directory, int error) {
     }
 }
 
-bool goes_on_waiting(const std::string& directory) {
-    if (g_wait_for_writer && !g_wait_for_writer(directory)) {
-        return false;
-    }
+// Nobody is told of a moment's wait.
+bool goes_on_waiting(const std::string& directory, bool is_first) {
     std::this_thread::sleep_for(poll_interval);
-    return true;
+    return is_first || !g_wait_for_writer || g_wait_for_writer(directory);
 }
 
 }  // namespace
@@ -69,7 +67,7 @@ bool goes_on_waiting(const std::string& directory) {
 // The path is opened for each attempt: whoever held the lock may have renamed or removed the directory.
 std::error_code write_lock_t::acquire(const std::string& directory) {
     const char* const path = directory.empty() ? "." : directory.c_str();
-    for (;;) {
+    for (bool is_first = true;; is_first = false) {
         const int descriptor = open(path, O_RDONLY | O_DIRECTORY | O_CLOEXEC);
         struct stat status {};
         if (descriptor < 0 || fstat(descriptor, &status) != 0) {
@@ -103,7 +101,7 @@ std::error_code write_lock_t::acquire(const std::string& directory) {
             return {};
         }
         close(descriptor);
-        if (attempt == attempt_t::busy && !goes_on_waiting(directory)) {
+        if (attempt == attempt_t::busy && !goes_on_waiting(directory, is_first)) {
             return std::make_error_code(std::errc::operation_canceled);
         }
     }

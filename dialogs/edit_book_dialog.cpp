@@ -3,15 +3,12 @@
 #include <gtkmm/stock.h>
 
 #include <algorithm>
-#include <iostream>
 #include <list>
 #include <map>
 
 #include "album/album_update.h"
 #include "album/book_index.h"
 #include "album/comment_store.h"
-#include "album/import.h"
-#include "album/import_check.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/make_album_dialog.h"
 #include "dialogs/make_book_dialog.h"
@@ -20,11 +17,9 @@
 #include "dialogs/shell_command.h"
 #include "dialogs/table_scroller.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
 #include "libutils/system_path.h"
 #include "libutils/text.h"
 #include "settings/settings.h"
-#include "talolib/option.h"
 #include "toolkit/text_encoding.h"
 
 namespace taloram {
@@ -57,6 +52,39 @@ bool lies_in_book(const std::string& album, const std::string& book) {
     std::list<std::string> names;
     libutils::separate_token(names, album.substr(start.size()), "/");
     return std::all_of(names.begin(), names.end(), is_plain_name);
+}
+
+// Why an album was not made, with what the engine says about it below the text of the box.
+void show_refusal(Gtk::Window& parent, const album_result_t& result) {
+    switch (*result.refused) {
+        case album_step_t::source:
+            show_error(parent, msg_source_missing);
+            return;
+        case album_step_t::names: {
+            Glib::ustring names = message_text(msg_names_clash);
+            for (const auto& [a, b] : result.clashes) {
+                names += "\n" + to_toolkit(a) + ", " + to_toolkit(b);
+            }
+            show_error(parent, result.clashes.empty() ? to_toolkit(result.reason) : names);
+            return;
+        }
+        case album_step_t::room:
+            show_error(parent, message_text(msg_no_room) + "\n" + message_text(msg_room_missing) + " " +
+                                   to_toolkit(result.missing_room));
+            return;
+        case album_step_t::directory:
+        case album_step_t::texts:
+            show_error(parent, message_text(msg_comments_failed) + "\n" + to_toolkit(result.reason));
+            return;
+        case album_step_t::conflicts:
+        case album_step_t::lock:
+        case album_step_t::import:
+        case album_step_t::book_page:
+            break;
+    }
+    const std::string& file = result.import.file;
+    show_error(parent, message_text(msg_album_failed) + (file.empty() ? "" : "\n" + to_toolkit(file)) + "\n" +
+                           to_toolkit(result.reason));
 }
 
 }  // namespace
@@ -285,18 +313,11 @@ void EditBookDialog::make_album() {
     if (!order_album(order)) {
         return;
     }
-    if (!has_room(order.source, order.files, order.album)) {
-        show_error(*this, msg_no_room);
-        return;
-    }
-    libutils::mkdir(order.album.c_str());
-    talolib::trace(std::cout, order.album, ": mkdired.");
-    if (!savecommenttxt(order.album, order.texts.title, order.texts.head, order.texts.last)) {
-        show_error(*this, msg_comments_failed);
-        return;
-    }
-    if (!import_album(order)) {
-        show_error(*this, msg_album_failed);
+    progress_.begin(to_toolkit(order.album));
+    const album_result_t result = taloram::make_album(order, progress_.signals());
+    progress_.end();
+    if (!result.is_made()) {
+        show_refusal(*this, result);
         return;
     }
     refresh();
@@ -304,6 +325,8 @@ void EditBookDialog::make_album() {
 
 bool EditBookDialog::order_album(album_order_t& order) {
     MakeAlbumDialog dialog(*this, g_global.from, book_directory_);
+    order.replace = true;  // the user is asked about an album that is there
+    order.is_in_book = true;
     for (;;) {
         const int response = dialog.run();
         if (response == Gtk::RESPONSE_CANCEL || response == Gtk::RESPONSE_DELETE_EVENT ||
@@ -313,7 +336,10 @@ bool EditBookDialog::order_album(album_order_t& order) {
         if (response != Gtk::RESPONSE_OK) {
             continue;
         }
-        order = {dialog.get_from(), dialog.get_to(), dialog.selected_files(), {dialog.get_title(), "", ""}};
+        order.source = dialog.get_from();
+        order.files = dialog.selected_files();
+        order.album = dialog.get_to();
+        order.title = dialog.get_title();
         if (order.files.empty()) {
             show_error(dialog, msg_nothing_selected);
         } else if (order.source.empty()) {
@@ -324,30 +350,16 @@ bool EditBookDialog::order_album(album_order_t& order) {
             show_error(dialog, msg_names_a_book);
         } else if (is_exist(order.album) && !ask_yes_no(dialog, msg_album_exists)) {
             continue;
-        } else if (order.texts.title.empty()) {
+        } else if (order.title->empty()) {
             show_error(dialog, msg_title_missing);
+        } else if (const album_result_t found = check_album_order(order); !found.is_made()) {
+            show_refusal(dialog, found);
         } else {
-            order.texts.head = dialog.begin_comment();
-            order.texts.last = dialog.last_comment();
+            order.head = dialog.begin_comment();
+            order.last = dialog.last_comment();
             return true;
         }
     }
-}
-
-bool EditBookDialog::import_album(const album_order_t& order) {
-    progress_.begin(to_toolkit(order.album));
-    std::vector<std::string> left_out;
-    bool made = taloram::import_album(order.source, order.files, order.album, {}, progress_.signals(), left_out);
-    if (made) {
-        const std::string base = libutils::parent_directory(order.album);
-        talolib::trace(std::cout, base, ": basedir.");
-        made = makehtmlbook(base);
-        if (!made) {
-            libutils::report("makehtmlbook() failed.");
-        }
-    }
-    progress_.end();
-    return made;
 }
 
 bool EditBookDialog::batchupdate(const std::string& path) {

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "album/book_entries.h"
+#include "album/make_album.h"
 #include "dialogs/comment_fields.h"
 #include "dialogs/progress_window.h"
 #include "dialogs/row_table.h"
@@ -52,14 +53,6 @@ class EditBookDialog : public Gtk::Dialog {
         [[nodiscard]] bool is_renamed() const { return !shown_name.is_left_alone(typed_name); }
     };
 
-    // What the user asked for in the album maker.
-    struct album_order_t {
-        std::string source;
-        std::string album;
-        std::vector<files_t> files;
-        comment_texts_t texts;
-    };
-
     void build();
     void table_size_allocate(Gdk::Rectangle& allocation);
     void make_row(size_t index);
@@ -72,7 +65,6 @@ class EditBookDialog : public Gtk::Dialog {
     void make_book();
     void make_album();
     [[nodiscard]] bool order_album(album_order_t& order);
-    [[nodiscard]] bool import_album(const album_order_t& order);
     void button_list(size_t index);
     void button_remove(size_t index);
 

@@ -4,6 +4,7 @@
 #include <locale>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 namespace libutils {
 
@@ -20,12 +21,43 @@ template <typename... Parts>
     return text.str();
 }
 
+// Remembers, while it lives, the first diagnostic line since its making or the last clear(): failures are traced from
+// the innermost step to the outermost, so that it tells the cause of one.
+class first_report_t {
+  public:
+    first_report_t() : outer_(innermost_) { innermost_ = this; }
+    ~first_report_t() { innermost_ = outer_; }
+    first_report_t(const first_report_t&) = delete;
+    first_report_t& operator=(const first_report_t&) = delete;
+
+    // "" when nothing was reported.
+    [[nodiscard]] const std::string& line() const { return line_; }
+    void clear() { line_.clear(); }
+
+    // Lines that go to standard error.
+    static void hear(std::string_view lines) {
+        for (first_report_t* listener = innermost_; listener != nullptr; listener = listener->outer_) {
+            if (listener->line_.empty()) {
+                listener->line_ = lines.substr(0, lines.find('\n'));
+            }
+        }
+    }
+
+  private:
+    inline static first_report_t* innermost_ = nullptr;
+
+    first_report_t* outer_;
+    std::string line_;
+};
+
 // Writes one diagnostic line to standard error after calling error(). The whole line reaches the stream in one
 // piece, so that a progress display behind the stream never splits it.
 template <typename... Parts>
 void report(const Parts&... parts) {
     error();
-    std::cerr << join_text(parts...) + '\n' << std::flush;
+    const std::string line = join_text(parts...) + '\n';
+    first_report_t::hear(line);
+    std::cerr << line << std::flush;
 }
 
 }  // namespace libutils

@@ -20,6 +20,8 @@
 #include <utility>
 #include <vector>
 
+#include "libutils/diagnostics.h"
+
 namespace libutils {
 
 namespace {
@@ -59,6 +61,9 @@ class recorder_t : public std::streambuf {
 
 void replay(const record_t& record) {
     for (const auto& [stream, text] : record) {
+        if (stream == stream_t::error) {
+            first_report_t::hear(text);
+        }
         (stream == stream_t::output ? std::cout : std::cerr) << text << std::flush;
     }
 }

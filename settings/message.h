@@ -105,7 +105,9 @@ enum e_message_local_t : talolib::e_message_t {
     msg_reserved_119 = 119,
     // the viewer: 120 to 124
     msg_reserved_125 = 125,
-    // imports: 126 to 128
+    msg_names_clash = 126,      // names, two a line, follow
+    msg_wait_for_writer = 127,  // a question; the answer may be to stop waiting
+    msg_room_missing = 128,     // an amount follows
     msg_reserved_end = 129,
 };
 

@@ -52,6 +52,12 @@ bool check_place(const std::string& album) {
     return libutils::is_directory(parent.empty() ? "." : parent) || wrong_use(parent, ": no such directory.");
 }
 
+// What an import removes or replaces can't be its source.
+bool check_source(const taloram::album_order_t& order) {
+    return !taloram::is_unfit_source(order.source, order.album) ||
+           wrong_use(order.source, ": inside the album; only its original/ can be imported again.");
+}
+
 // A file named on the command line, inside `directory`; `seen` collects the names.
 bool check_name(const std::string& directory, const std::string& name, std::set<std::string>& seen) {
     if (!taloram::is_plain_name(name)) {
@@ -64,24 +70,25 @@ bool check_name(const std::string& directory, const std::string& name, std::set<
     return seen.insert(name).second || wrong_use(name, ": named twice.");
 }
 
-bool choose_files(const std::vector<std::string>& named, const std::list<std::string>& listing, album_job_t& job) {
+bool choose_files(const std::vector<std::string>& named, const std::list<std::string>& listing,
+                  taloram::album_order_t& order) {
     if (named.empty()) {
         for (const std::string& name : listing) {
             // The source's texts go into the album's own, where options may have changed them.
             const bool is_listed = name.front() != '.' && name != "head.txt" && name != "last.txt";
             // The listing has links to directories.
-            if (is_listed && !libutils::is_directory(taloram::entry_path(job.from, name))) {
-                job.files.push_back({name, 0});
+            if (is_listed && !libutils::is_directory(taloram::entry_path(order.source, name))) {
+                order.files.push_back({name, 0});
             }
         }
         return true;
     }
     std::set<std::string> seen;
     for (const std::string& name : named) {
-        if (!check_name(job.from, name, seen)) {
+        if (!check_name(order.source, name, seen)) {
             return false;
         }
-        job.files.push_back({name, 0});
+        order.files.push_back({name, 0});
     }
     return true;
 }
@@ -129,13 +136,16 @@ bool read_text(const std::optional<std::string>& path, std::optional<std::string
 
 }  // namespace
 
-bool check_album(const album_command_t& command, album_job_t& job) {
-    job.from = libutils::strip_trailing_slash(command.from);
-    job.album = libutils::strip_trailing_slash(command.album);
+bool check_album(const album_command_t& command, taloram::album_order_t& order) {
+    order.source = libutils::strip_trailing_slash(command.from);
+    order.album = libutils::strip_trailing_slash(command.album);
+    order.title = command.title;
+    order.options = {command.verify, command.keep_going};
+    order.replace = command.replace;
     std::list<std::string> listing;
-    return check_from(job.from, listing) && check_place(job.album) && choose_files(command.files, listing, job) &&
-           set_rotations(command.rotations, job.files) && read_text(command.head_file, job.head) &&
-           read_text(command.last_file, job.last);
+    return check_from(order.source, listing) && check_place(order.album) && check_source(order) &&
+           choose_files(command.files, listing, order) && set_rotations(command.rotations, order.files) &&
+           read_text(command.head_file, order.head) && read_text(command.last_file, order.last);
 }
 
 bool check_directories(const std::vector<std::string>& typed, std::vector<std::string>& directories) {

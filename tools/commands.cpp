@@ -1,6 +1,5 @@
 #include "tools/commands.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <iostream>
@@ -11,11 +10,9 @@
 #include "album/album_update.h"
 #include "album/album_walk.h"
 #include "album/book_index.h"
-#include "album/comment_store.h"
 #include "album/engine_step.h"
-#include "album/import.h"
-#include "album/import_check.h"
 #include "album/jobs.h"
+#include "album/make_album.h"
 #include "album/turn_photo.h"
 #include "album/verification.h"
 #include "album/write_lock.h"
@@ -86,73 +83,20 @@ class shown_progress_t {
     progress_line_t line_;
 };
 
-bool save_comments(const album_command_t& command, const album_job_t& job) {
-    comment_texts_t texts;
-    unread_text_t unread = load_comments_in(texts, job.from);
-    if (!unread) {
-        unread = load_comments(texts, job.album);
-    }
-    if (unread) {
-        report_unread(unread);
-        return false;
-    }
-    std::string title = command.title.value_or(texts.title);
-    if (title.empty()) {
-        title = libutils::directory_name(job.album);
-    }
-    return step_done(savecommenttxt(job.album, title, job.head.value_or(texts.head), job.last.value_or(texts.last)),
-                     "savecommenttxt");
-}
-
-// A line for each file of the album that the import would replace by another one, or whose noted sum it would change.
-bool replaces_nothing(const album_job_t& job) {
-    std::vector<std::string> conflicts = find_conflicts(job.from, job.files, job.album);
-    for (const std::string& path : conflicts) {
-        libutils::report(libutils::one_line(path), ": there already, with other contents.");
-    }
-    const auto add_once = [&](const std::string& path, const std::string& what) {
-        if (std::find(conflicts.begin(), conflicts.end(), path) == conflicts.end()) {
-            conflicts.push_back(path);
-            libutils::report(libutils::one_line(path), ": ", what);
-        }
-    };
-    const bool keeps = keeps_sums(job.from, job.files, job.album, add_once);
-    if (!conflicts.empty()) {
-        libutils::report("talomake: nothing was imported. Files that differ: ", conflicts.size(),
+void report_failed(const album_result_t& result, size_t file_count) {
+    if (!result.conflicts.empty()) {
+        libutils::report("talomake: nothing was imported. Files that differ: ", result.conflicts.size(),
                          "; --replace replaces them.");
     }
-    return conflicts.empty() && keeps;
-}
-
-void report_failed(const album_job_t& job, const std::vector<std::string>& left_out) {
+    const std::vector<left_out_t>& left_out = result.import.left_out;
     std::string names;
-    for (const std::string& name : left_out) {
-        names += (names.empty() ? "" : ", ") + name;
+    for (const left_out_t& file : left_out) {
+        names += (names.empty() ? "" : ", ") + file.name;
     }
     if (!left_out.empty()) {
-        libutils::report("talomake: ", left_out.size(), " of ", job.files.size(),
+        libutils::report("talomake: ", left_out.size(), " of ", file_count,
                          " files failed: ", libutils::one_line(names));
     }
-}
-
-bool make_album(const album_command_t& command, const album_job_t& job, std::vector<std::string>& left_out) {
-    if (!libutils::mkdir(job.album.c_str())) {
-        libutils::report(job.album, ": mkdir failed, ", std::strerror(errno));
-        return false;
-    }
-    if (!save_comments(command, job)) {
-        return false;
-    }
-    shown_progress_t progress(command.run.progress);
-    return import_album(job.from, job.files, job.album, {command.verify, command.keep_going}, progress.signals,
-                        left_out);
-}
-
-// The index page of the book that the album is in, if it is in one.
-bool rewrite_book(const std::string& album) {
-    const std::string parent = libutils::parent_directory(album);
-    const bool is_book = libutils::is_directory(entry_path(parent, layout::text)) && !is_album(parent);
-    return !is_book || step_done(makehtmlbook(parent), "makehtmlbook");
 }
 
 bool verify_one_album(const std::string& album) {
@@ -173,21 +117,21 @@ class runner_t {
     explicit runner_t(const char* program) : program_(program) {}
 
     int operator()(const album_command_t& command) const {
-        album_job_t job;
-        if (!check_album(command, job)) {
+        album_order_t order;
+        if (!check_album(command, order)) {
             return status_wrong_use;
         }
         start_up(program_, command.run);
-        if ((!command.replace && !replaces_nothing(job)) || !has_room(job.from, job.files, job.album)) {
-            return status_failed;
+        album_result_t result;
+        {
+            shown_progress_t progress(command.run.progress);
+            result = make_album(order, progress.signals);
         }
-        std::vector<std::string> left_out;
-        const bool good = make_album(command, job, left_out) && rewrite_book(job.album);
-        if (good) {
-            std::cout << job.album << "/index.html\n" << std::flush;
+        if (result.is_made()) {
+            std::cout << order.album << "/index.html\n" << std::flush;
         }
-        report_failed(job, left_out);
-        return good && left_out.empty() ? status_done : status_failed;
+        report_failed(result, order.files.size());
+        return result.is_made() && result.import.left_out.empty() ? status_done : status_failed;
     }
 
     int operator()(const update_command_t& command) const {

@@ -9,7 +9,14 @@
 struct import_fixture_t : album_test_t {
     std::string import(const import_options_t& options, const std::vector<files_t>& files, std::string from = "") {
         from = from.empty() ? card : from;
-        return outcome([&] { return import_album(from, files, album, options, unseen, left_out); });
+        left_out.clear();
+        return outcome([&] {
+            const import_result_t imported = import_album(from, files, album, options, unseen);
+            for (const left_out_t& file : imported.left_out) {
+                left_out.push_back(file.name);
+            }
+            return imported.is_done();
+        });
     }
     std::string update(orphans_t orphans) {
         return outcome([&] { return batchupdate(album, {orphans}, unseen); });
@@ -42,5 +49,5 @@ struct import_fixture_t : album_test_t {
 
     const blob_t photo = make_jpeg({.width = 100, .height = 40});
     progress_signals_t unseen;
-    strings_t left_out;
+    strings_t left_out;  // of the last import
 };

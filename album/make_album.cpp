@@ -1,0 +1,194 @@
+#include "album/make_album.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <iostream>
+
+#include "album/book_index.h"
+#include "album/comment_store.h"
+#include "album/engine_step.h"
+#include "album/import_check.h"
+#include "album/verification.h"
+#include "album/write_lock.h"
+#include "libutils/diagnostics.h"
+#include "libutils/directory.h"
+#include "libutils/path.h"
+#include "libutils/program.h"
+#include "libutils/system_path.h"
+#include "talolib/option.h"
+
+namespace taloram {
+
+namespace {
+
+// Where a path really leads, with "/" behind it; "" when it can't be told.
+std::string real_directory(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path real = std::filesystem::canonical(path.empty() ? "." : path, failure);
+    return failure ? "" : real.string() + "/";
+}
+
+class maker_t {
+  public:
+    explicit maker_t(const album_order_t& order) : order_(order) {}
+
+    [[nodiscard]] bool check() {
+        return done(album_step_t::source, has_fit_source()) && done(album_step_t::conflicts, has_no_conflicts()) &&
+               done(album_step_t::names, has_distinct_names()) && done(album_step_t::room, has_room());
+    }
+
+    // Who wrote to the album until the lock was taken may have brought files that are in the way.
+    [[nodiscard]] bool make(progress_signals_t& progress) {
+        const bool is_new = !is_exist(order_.album);
+        return (!is_new || check()) && done(album_step_t::directory, make_directory()) &&
+               done(album_step_t::lock, lock_album(lock_, order_.album)) && check() && warn() &&
+               done(album_step_t::texts, save_texts()) && done(album_step_t::import, import(progress)) &&
+               done(album_step_t::book_page, rewrite_book());
+    }
+
+    [[nodiscard]] const album_result_t& result() const { return result_; }
+
+  private:
+    bool done(album_step_t step, bool is_done) {
+        if (!is_done) {
+            result_.refused = step;
+            result_.reason = result_.import.failed ? result_.import.reason : heard_.line();
+        }
+        heard_.clear();
+        return is_done;
+    }
+
+    [[nodiscard]] bool has_fit_source() const {
+        const bool is_fit = !is_unfit_source(order_.source, order_.album);
+        if (!is_fit) {
+            libutils::report(libutils::one_line(order_.source), ": inside the album ", libutils::one_line(order_.album),
+                             "; only its original/ can be imported again.");
+        }
+        return is_fit;
+    }
+
+    [[nodiscard]] bool has_no_conflicts() {
+        if (order_.replace) {
+            return true;
+        }
+        std::vector<std::string>& conflicts = result_.conflicts;
+        conflicts = find_conflicts(order_.source, order_.files, order_.album);
+        for (const std::string& path : conflicts) {
+            libutils::report(libutils::one_line(path), ": there already, with other contents.");
+        }
+        const auto add_once = [&](const std::string& path, const std::string& what) {
+            if (std::find(conflicts.begin(), conflicts.end(), path) == conflicts.end()) {
+                conflicts.push_back(path);
+                libutils::report(libutils::one_line(path), ": ", what);
+            }
+        };
+        const bool keeps = keeps_sums(order_.source, order_.files, order_.album, add_once);
+        return conflicts.empty() && keeps;
+    }
+
+    [[nodiscard]] bool has_distinct_names() {
+        const std::error_code failure = find_clashes(result_.clashes, order_.files, order_.album);
+        for (const auto& [a, b] : result_.clashes) {
+            libutils::report(libutils::one_line(entry_path(order_.album, a)), ", ", libutils::one_line(b),
+                             ": one file for the album's disk; rename one before the import.");
+        }
+        return !failure && result_.clashes.empty();
+    }
+
+    [[nodiscard]] bool has_room() {
+        result_.missing_room = missing_room(order_.source, order_.files, order_.album);
+        if (!result_.missing_room.empty()) {
+            libutils::report(order_.album, ": ", result_.missing_room, " more free space is needed for this import.");
+        }
+        return result_.missing_room.empty();
+    }
+
+    [[nodiscard]] bool make_directory() const {
+        if (!libutils::mkdir(order_.album.c_str())) {
+            libutils::report(order_.album, ": mkdir failed, ", std::strerror(errno));
+            return false;
+        }
+        talolib::trace(std::cout, order_.album, ": mkdired.");
+        return true;
+    }
+
+    [[nodiscard]] bool warn() const {
+        warn_of_names(order_.files, order_.album);
+        return true;
+    }
+
+    // Texts that are all given need no others.
+    [[nodiscard]] bool save_texts() const {
+        comment_texts_t texts;
+        if (!order_.title || !order_.head || !order_.last) {
+            unread_text_t unread = load_comments_in(texts, order_.source);
+            if (!unread) {
+                unread = load_comments(texts, order_.album);
+            }
+            if (unread) {
+                report_unread(unread);
+                return false;
+            }
+        }
+        std::string title = order_.title.value_or(texts.title);
+        if (title.empty()) {
+            title = libutils::directory_name(order_.album);
+        }
+        return step_done(
+            savecommenttxt(order_.album, title, order_.head.value_or(texts.head), order_.last.value_or(texts.last)),
+            "savecommenttxt");
+    }
+
+    [[nodiscard]] bool import(progress_signals_t& progress) {
+        result_.import = import_album(order_.source, order_.files, order_.album, order_.options, progress);
+        return result_.import.is_done();
+    }
+
+    // The index page of the book that the album is in, if it is in one.
+    [[nodiscard]] bool rewrite_book() const {
+        const std::string parent = libutils::parent_directory(order_.album);
+        talolib::trace(std::cout, parent, ": basedir.");
+        const bool is_book = libutils::is_directory(entry_path(parent, layout::text)) && !is_album(parent);
+        return (!is_book && !order_.is_in_book) || step_done(makehtmlbook(parent), "makehtmlbook");
+    }
+
+    const album_order_t& order_;
+    album_result_t result_;
+    libutils::first_report_t heard_;
+    write_lock_t lock_;
+};
+
+}  // namespace
+
+bool is_unfit_source(const std::string& source, const std::string& album) {
+    if (libutils::is_same_file(source, entry_path(album, layout::original))) {
+        return false;
+    }
+    const std::string real_album = real_directory(album);
+    const std::string real_source = real_directory(source);
+    if (!real_album.empty() && real_source.size() > real_album.size() && real_source.starts_with(real_album)) {
+        return true;
+    }
+    std::vector<std::string> directories = level_directories(album, highest_top_level);
+    for (const char* directory : {layout::movie, layout::text, layout::html}) {
+        directories.push_back(entry_path(album, directory));
+    }
+    return std::any_of(directories.begin(), directories.end(),
+                       [&](const std::string& directory) { return libutils::is_same_file(source, directory); });
+}
+
+album_result_t check_album_order(const album_order_t& order) {
+    maker_t maker(order);
+    static_cast<void>(maker.check());
+    return maker.result();
+}
+
+album_result_t make_album(const album_order_t& order, progress_signals_t& progress) {
+    maker_t maker(order);
+    static_cast<void>(maker.make(progress));
+    return maker.result();
+}
+
+}  // namespace taloram
