@@ -306,6 +306,8 @@ void remove_leftovers(const std::string& directory) {
     if (list_temporaries(names, directory)) {
         return;
     }
+    const std::string own_prefix = temporary_prefix + std::to_string(getpid()) + "-";
+    std::erase_if(names, [&](const std::string& name) { return name.starts_with(own_prefix); });
     for (const std::string& name : names) {
         const std::string path = directory + "/" + name;
         const int descriptor = open(path.c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);

@@ -86,7 +86,8 @@ class new_file_t {
 [[nodiscard]] std::error_code replace_file(const std::string& path, staging_t staging, std::string_view bytes,
                                            const links_t& links = {});
 
-// Removes the temporaries that killed programs left in `directory`; those of running ones stay.
+// Removes the temporaries that killed programs left in `directory`; those of running ones stay, whether they are locked
+// as files in the making are, or this process has only given them such a name for a while.
 void remove_leftovers(const std::string& directory);
 
 }  // namespace libutils
