@@ -223,7 +223,7 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
 
 TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
     write_file(g_global.from + "/broken.jpg", std::string("no photograph"));
-    const auto fail_to_make = [this](const char* name, const char* message) {
+    const auto fail_to_make = [this](const char* name, const char* message, bool maker_stays) {
         on_next_dialog(clicking("New Album"));
         on_next_dialog([name](Gtk::Dialog& maker) {
             click(maker, "Update List");
@@ -233,15 +233,19 @@ TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
             click(maker, "OK");
         });
         answer_next(message, "OK");
+        if (maker_stays) {
+            on_next_dialog(clicking("Cancel"));
+        }
         on_next_dialog(clicking("Cancel"));
         return stderr_of([this] { edit_book(window_, book_); });
     };
-    EXPECT_THAT(fail_to_make("broken", "The album could not be made."), testing::EndsWith("shrink() failed.\n"));
+    EXPECT_THAT(fail_to_make("broken", "The album could not be made.\nbroken.jpg", false),
+                testing::EndsWith("shrink() failed.\n"));
     EXPECT_TRUE(std::filesystem::exists(book_ + "/broken/original/broken.jpg")) << "what was copied stays";
 
     write_file(g_global.from + "/long.mov", std::string());
     std::filesystem::resize_file(g_global.from + "/long.mov", uintmax_t{1} << 43);
-    EXPECT_THAT(fail_to_make("full", "There is not enough free space for this album. Nothing was copied."),
+    EXPECT_THAT(fail_to_make("full", "There is not enough free space for this album. Nothing was copied.", true),
                 testing::EndsWith(" TiB more free space is needed for this import.\n"));
     EXPECT_FALSE(std::filesystem::exists(book_ + "/full"));
 }

@@ -34,6 +34,9 @@ void click(Gtk::Widget& top, const Glib::ustring& label);
 
 [[nodiscard]] bool shows_text(Gtk::Widget& top, const Glib::ustring& text);
 
+// The same for a label that begins with these lines; more may follow.
+[[nodiscard]] bool shows_lines(Gtk::Widget& top, const Glib::ustring& first);
+
 // Sends a key to what has the focus in `window`, shortcuts and default button included.
 void press_key(Gtk::Window& window, guint keyval);
 
