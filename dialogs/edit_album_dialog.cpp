@@ -2,7 +2,6 @@
 
 #include <gtkmm/stock.h>
 
-#include <initializer_list>
 #include <iostream>
 
 #include "album/album_update.h"
@@ -58,14 +57,14 @@ EditAlbumDialog::EditAlbumDialog(Gtk::Window& parent, const std::string& album)
       album_(album),
       mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::APPLY, Gtk::Stock::CANCEL})),
       table_(1, 1),
+      grid_(scroller_, table_, rows_per_photo, [this](size_t index) { return std::make_unique<cell_t>(*this, index); }),
       progress_(*this) {
-    notice_.set_text(message_text(msg_album_empty));
+    notice_.set_line_wrap(true);
     notice_.set_no_show_all(true);
     pack();
     if (!make_rows()) {
         libutils::report(album_, ": EditAlbumDialog make_rows() failed.");
     }
-    notice_.set_visible(items_.empty());
     update_comment();
     table_.signal_size_allocate().connect(sigc::mem_fun(*this, &EditAlbumDialog::table_size_allocate));
     add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
@@ -80,7 +79,6 @@ void EditAlbumDialog::pack() {
     texts_.last.set_size_request(view_width, view_height);
     table_.get_accessible()->set_name(to_toolkit(album_));
     scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
-    scroller_.add(table_);
     box_.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET);
 
     Gtk::Box& area = *get_content_area();
@@ -97,38 +95,43 @@ void EditAlbumDialog::pack() {
 }
 
 bool EditAlbumDialog::make_rows() {
+    const std::error_code error = libutils::list_files(files_, entry_path(album_, layout::original));
     items_.clear();
-    table_.resize(1, 1);
-    if (!libutils::getfiles(files_, entry_path(album_, layout::original).c_str())) {
-        return false;
-    }
-    resize_grid(table_, files_.size(), rows_per_photo);
-    items_ = std::vector<item_t>(files_.size());
-    size_t index = 0;
     for (const std::string& name : files_) {
-        items_[index].name = name;
-        fill_item(index);
-        ++index;
+        items_.push_back({name});
     }
-    return true;
+    notice_.set_text(message_text(error ? msg_album_unreadable : msg_album_empty));
+    notice_.set_visible(items_.empty());
+    grid_.reset(items_.size(), photos_in_row());
+    return !error;
 }
 
-void EditAlbumDialog::fill_item(size_t index) {
-    item_t& item = items_[index];
-    if (load_exifthumbnail_or_thumbdir(item.preview, album_, item.name)) {
-        item.show_turned();
-    }
-    set_short_label(item.text_button, to_toolkit(item.name));
+EditAlbumDialog::cell_t::cell_t(EditAlbumDialog& owner, size_t place)
+    : photo_cell_t(owner.items_[place]), dialog(owner), index(place) {
+    set_short_label(text_button, to_toolkit(owner.items_[place].name));
+    set_wrapped_text(exif_label, "");
+    text_button.signal_clicked().connect([this] { dialog.button_text(index); });
+    rotation.signal_value_changed().connect([this] { dialog.button_rotate(index); });
+}
 
-    set_wrapped_text(item.exif_label, photo_summary(album_, item.name));
+std::vector<Gtk::Widget*> EditAlbumDialog::cell_t::widgets() {
+    return {&picture, &text_button, &rotation, &exif_label};
+}
 
-    guint row = 0;
-    for (Gtk::Widget* widget :
-         std::initializer_list<Gtk::Widget*>{&item.picture, &item.text_button, &item.rotation, &item.exif_label}) {
-        attach_to_grid(table_, *widget, index, row++, rows_per_photo);
+void EditAlbumDialog::cell_t::fill() {
+    dialog.show_preview(*this);
+    exif_label.set_text(photo_summary(dialog.album_, dialog.items_[index].name));
+}
+
+// A turn asked for is shown as the update will make it, from the original; without one the photograph stays as it is.
+void EditAlbumDialog::show_preview(cell_t& cell) const {
+    const photo_choice_t& item = items_[cell.index];
+    const unsigned long turns = item.quarter_turns().value_or(0);
+    const bool loaded = turns == 0 ? load_exifthumbnail_or_thumbdir(cell.preview, album_, item.name)
+                                   : load_updated_preview(cell.preview, album_, item.name, turns);
+    if (loaded) {
+        cell.show_turned(cell.preview, 0, item.name);
     }
-    item.text_button.signal_clicked().connect([this, index] { button_text(index); });
-    item.rotation.signal_value_changed().connect([this, index] { button_rotate(index); });
 }
 
 void EditAlbumDialog::update_comment() {
@@ -144,11 +147,14 @@ void EditAlbumDialog::button_text(unsigned long index) {
 }
 
 void EditAlbumDialog::button_rotate(unsigned long index) {
-    items_[index].show_turned();
+    if (auto* const cell = dynamic_cast<cell_t*>(grid_.find(index))) {
+        items_[index].angle = cell->rotation.get_value_as_int();
+        show_preview(*cell);
+    }
 }
 
 bool EditAlbumDialog::apply_rotate() {
-    for (const item_t& item : items_) {
+    for (const photo_choice_t& item : items_) {
         const std::optional<unsigned long> turns = item.quarter_turns();
         if (!turns) {
             return false;
@@ -164,7 +170,7 @@ bool EditAlbumDialog::apply_rotate() {
 std::vector<files_t> EditAlbumDialog::selected_files() const {
     std::vector<files_t> files;
     files.reserve(items_.size());
-    for (const item_t& item : items_) {
+    for (const photo_choice_t& item : items_) {
         files.push_back(item.chosen());
     }
     talolib::trace(std::cout, "selected_files.size(): ", files.size());

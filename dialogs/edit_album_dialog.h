@@ -24,7 +24,7 @@ class EditAlbumDialog : public Gtk::Dialog {
   public:
     EditAlbumDialog(Gtk::Window& parent, const std::string& album);
 
-    // Fills the grid; false when the originals can't be listed.
+    // Fills the grid; false when the originals can't be listed to their end, which shows in the grid's place.
     bool make_rows();
     // Loads the album's texts.
     void update_comment();
@@ -50,13 +50,20 @@ class EditAlbumDialog : public Gtk::Dialog {
     void on_response(int response) override;
 
   private:
-    struct item_t : photo_cell_t {
+    // What is on the screen of a photograph.
+    struct cell_t : photo_cell_t {
+        cell_t(EditAlbumDialog& owner, size_t place);
+        [[nodiscard]] std::vector<Gtk::Widget*> widgets() override;
+        void fill() override;
+
+        EditAlbumDialog& dialog;
+        size_t index;
         Gtk::Button text_button;
         Gtk::Label exif_label;
     };
 
     void pack();
-    void fill_item(size_t index);
+    void show_preview(cell_t& cell) const;
     void save_texts();
     void update_album();
 
@@ -67,7 +74,8 @@ class EditAlbumDialog : public Gtk::Dialog {
     Gtk::ScrolledWindow scroller_;
     Gtk::Table table_;
     std::list<std::string> files_;
-    std::vector<item_t> items_;
+    std::vector<photo_choice_t> items_;
+    scrolled_grid_t grid_;
     comment_fields_t texts_;
     progress_window_t progress_;
     bool updating_ = false;

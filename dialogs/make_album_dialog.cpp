@@ -9,7 +9,6 @@
 #include <iostream>
 
 #include "album/comment_store.h"
-#include "dialogs/progress_window.h"
 #include "dialogs/raise_window.h"
 #include "dialogs/single_line.h"
 #include "dialogs/table_scroller.h"
@@ -31,8 +30,6 @@ constexpr int least_width = 120;   // pixels, of a file without picture
 constexpr int least_height = 90;   // pixels
 constexpr int view_width = 300;    // pixels
 constexpr int view_height = 100;   // pixels
-
-constexpr std::chrono::milliseconds progress_interval(100);
 
 // Today as eight digits.
 std::string date_name() {
@@ -66,7 +63,8 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
     : Gtk::Dialog(message_text(msg_new_album), parent, true),
       bookdir_(bookdir),
       mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::CANCEL})),
-      table_(1, 1) {
+      table_(1, 1),
+      grid_(scroller_, table_, rows_per_file, [this](size_t index) { return std::make_unique<cell_t>(*this, index); }) {
     from_entry_.set_text(from_.keep(from));
     to_entry_.set_text(date_name());
     set_up_widgets();
@@ -76,6 +74,13 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
     show_all();
+}
+
+// While the members go, the entry that has the focus loses it, and what it would list and load is half gone.
+MakeAlbumDialog::~MakeAlbumDialog() {
+    for (sigc::connection& connection : on_leave_) {
+        connection.disconnect();
+    }
 }
 
 void MakeAlbumDialog::set_up_widgets() {
@@ -94,9 +99,6 @@ void MakeAlbumDialog::set_up_widgets() {
     notice_.set_line_wrap(true);
     notice_.set_no_show_all(true);
     notice_.show();
-    progress_.set_text(message_text(msg_listing));
-    progress_.set_show_text(true);
-    progress_.set_no_show_all(true);
 }
 
 void MakeAlbumDialog::pack() {
@@ -107,7 +109,6 @@ void MakeAlbumDialog::pack() {
     to_row_.pack_start(to_entry_);
     scroller_.set_policy(Gtk::POLICY_AUTOMATIC, Gtk::POLICY_AUTOMATIC);
     scroller_.set_redraw_on_allocate(true);
-    scroller_.add(table_);
     button_row_.set_spacing(spacing);
     button_row_.pack_start(invert_button_, Gtk::PACK_SHRINK);
     button_row_.pack_start(update_button_, Gtk::PACK_SHRINK);
@@ -119,7 +120,6 @@ void MakeAlbumDialog::pack() {
     area.pack_start(to_row_, Gtk::PACK_SHRINK);
     area.pack_start(table_caption_, Gtk::PACK_SHRINK);
     area.pack_start(notice_, Gtk::PACK_SHRINK);
-    area.pack_start(progress_, Gtk::PACK_SHRINK);
     area.pack_start(scroller_, Gtk::PACK_EXPAND_WIDGET);
     area.pack_start(button_row_, Gtk::PACK_SHRINK);
     pack_texts(area);
@@ -138,8 +138,10 @@ void MakeAlbumDialog::pack_texts(Gtk::Box& area) {
 
 void MakeAlbumDialog::connect() {
     // Behind the entries' own handlers, which must see the event too.
-    from_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_from), true);
-    to_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_to), true);
+    on_leave_ = {
+        from_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_from), true),
+        to_entry_.signal_focus_out_event().connect(sigc::mem_fun(*this, &MakeAlbumDialog::leave_to), true),
+    };
     from_entry_.signal_activate().connect([this] { leave_from(nullptr); });
     from_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_from));
     invert_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_invert));
@@ -149,7 +151,6 @@ void MakeAlbumDialog::connect() {
 
 void MakeAlbumDialog::on_map() {
     Gtk::Dialog::on_map();
-    closing_ = false;
     // After the first drawing, so that the dialog appears at once.
     const auto fill = sigc::track_obj(
         [this] {
@@ -159,11 +160,6 @@ void MakeAlbumDialog::on_map() {
         },
         *this);
     Glib::signal_idle().connect(fill);
-}
-
-void MakeAlbumDialog::on_response(int response) {
-    closing_ = true;
-    Gtk::Dialog::on_response(response);
 }
 
 std::string MakeAlbumDialog::get_from() const {
@@ -182,8 +178,8 @@ std::vector<files_t> MakeAlbumDialog::selected_files() const {
     // Cameras use the same names again and again: names listed in one directory mean other pictures in the next.
     // With none the selection stands, and the caller asks for the directory.
     if (const std::string from = get_from(); is_complete_ && (from == listed_from_ || from.empty())) {
-        for (const item_t& item : items_) {
-            if (item.select.get_active()) {
+        for (const photo_choice_t& item : items_) {
+            if (item.is_selected) {
                 files.push_back(item.chosen());
             }
         }
@@ -199,114 +195,62 @@ bool MakeAlbumDialog::is_listed() const {
 }
 
 bool MakeAlbumDialog::leave_from(GdkEventFocus* /*event*/) {
-    return !listing_ && !closing_ && !is_listed() && list_source();
+    return !is_listed() && list_source();
 }
 
 bool MakeAlbumDialog::leave_to(GdkEventFocus* /*event*/) {
-    return !listing_ && !closing_ && get_to() != loaded_to_ && load_album_texts();
+    return get_to() != loaded_to_ && load_album_texts();
 }
 
 bool MakeAlbumDialog::list_source() {
-    if (listing_) {
-        return false;
-    }
-    clear_items();
     listed_from_ = get_from();
-    if (listed_from_.empty() || !libutils::getfiles(file_names_, listed_from_.c_str())) {
-        notice_.set_text(message_text(msg_source_unreadable));
-        notice_.show();
-        return false;
+    is_complete_ = !listed_from_.empty() && !libutils::list_files(file_names_, listed_from_);
+    if (!is_complete_) {
+        file_names_.clear();
     }
-    listing_ = true;
-    closing_ = false;
-    shown_at_ = std::chrono::steady_clock::now();
-    set_response_sensitive(Gtk::RESPONSE_OK, false);
-    items_ = std::vector<item_t>(file_names_.size());
-    resize_grid(table_, items_.size(), rows_per_file);
-    size_t index = 0;
+    items_.clear();
     for (const std::string& name : file_names_) {
-        if (!show_progress(index)) {
-            break;
-        }
-        items_[index].name = name;
-        fill_item(index);
-        ++index;
+        items_.push_back({name});
     }
-    is_complete_ = index == items_.size();
-    show_list();
-    listing_ = false;
+    notice_.set_text(message_text(is_complete_ ? msg_source_empty : msg_source_unreadable));
+    notice_.set_visible(items_.empty());
+    grid_.reset(items_.size(), photos_in_row());
+    if (is_complete_) {
+        comment_texts_t found;
+        loadcomment(listed_from_, found.title, found.head, found.last);
+        texts_.fill(found);
+    }
     return is_complete_;
 }
 
-void MakeAlbumDialog::clear_items() {
-    is_complete_ = false;
-    file_names_.clear();
-    notice_.hide();
-    // Hidden, the table is not laid out again for every file.
-    table_.hide();
-    for (Gtk::Widget* child : table_.get_children()) {
-        table_.remove(*child);
-    }
-    table_.resize(1, 1);
-    old_items_ = std::move(items_);
-    items_.clear();
-    const auto release = sigc::track_obj(
-        [this] {
-            old_items_.clear();
-            return false;
-        },
-        *this);
-    Glib::signal_idle().connect(release);
-}
-
-void MakeAlbumDialog::fill_item(size_t index) {
-    item_t& item = items_[index];
+MakeAlbumDialog::cell_t::cell_t(MakeAlbumDialog& owner, size_t place)
+    : photo_cell_t(owner.items_[place]), dialog(owner), index(place) {
+    const photo_choice_t& item = owner.items_[place];
     const Glib::ustring shown_name = to_toolkit(item.name);
-    set_short_text(item.label, shown_name, label_width);
-    item.rotation.set_update_policy(Gtk::UPDATE_IF_VALID);
-    item.rotation.set_editable(false);
-    item.select.set_size_request(least_width, least_height);
-    item.select.set_tooltip_text(shown_name);
-    item.select.get_accessible()->set_name(shown_name);
-    if (load_thumbnail(item.preview, entry_path(listed_from_, item.name))) {
-        button_rotate(index);
-    }
-    item.select.signal_clicked().connect([this, index] { button_image(index); });
-    item.rotation.signal_value_changed().connect([this, index] { button_rotate(index); });
+    set_short_text(label, shown_name, label_width);
+    rotation.set_update_policy(Gtk::UPDATE_IF_VALID);
+    rotation.set_editable(item.is_selected);
+    rotation.set_sensitive(item.is_selected);
+    select.set_active(item.is_selected);
+    select.set_size_request(least_width, least_height);
+    select.set_tooltip_text(shown_name);
+    select.get_accessible()->set_name(shown_name);
+    select.signal_clicked().connect([this] { dialog.button_image(index); });
+    rotation.signal_value_changed().connect([this] { dialog.button_rotate(index); });
+}
 
-    attach_to_grid(table_, item.select, index, 0, rows_per_file);
-    attach_to_grid(table_, item.label, index, 1, rows_per_file);
-    if (is_photo(item.name)) {
-        attach_to_grid(table_, item.rotation, index, 2, rows_per_file);
+std::vector<Gtk::Widget*> MakeAlbumDialog::cell_t::widgets() {
+    return {&select, &label, is_photo(dialog.items_[index].name) ? &rotation : nullptr};
+}
+
+void MakeAlbumDialog::cell_t::fill() {
+    if (load_thumbnail(preview, entry_path(dialog.listed_from_, dialog.items_[index].name))) {
+        dialog.button_rotate(index);
     }
 }
 
-bool MakeAlbumDialog::show_progress(size_t done) {
-    const auto now = std::chrono::steady_clock::now();
-    if (now - shown_at_ < progress_interval) {
-        return true;
-    }
-    progress_.set_fraction(static_cast<double>(done) / static_cast<double>(items_.size()));
-    progress_.show();
-    run_pending_events();
-    shown_at_ = std::chrono::steady_clock::now();
-    return !closing_;
-}
-
-void MakeAlbumDialog::show_list() {
-    progress_.hide();
-    set_response_sensitive(Gtk::RESPONSE_OK, true);
-    if (!is_complete_) {
-        return;
-    }
-    comment_texts_t found;
-    loadcomment(listed_from_, found.title, found.head, found.last);
-    texts_.fill(found);
-    if (items_.empty()) {
-        notice_.set_text(message_text(msg_source_empty));
-        notice_.show();
-    }
-    show_all_children();
+MakeAlbumDialog::cell_t* MakeAlbumDialog::find_cell(size_t index) const {
+    return dynamic_cast<cell_t*>(grid_.find(index));
 }
 
 bool MakeAlbumDialog::load_album_texts() {
@@ -334,9 +278,6 @@ bool MakeAlbumDialog::choose_folder(std::string& folder, e_message_local_t title
 }
 
 void MakeAlbumDialog::button_from() {
-    if (listing_) {
-        return;
-    }
     if (std::string folder; choose_folder(folder, msg_source_directory, get_from())) {
         from_entry_.set_text(from_.keep(folder));
         list_source();
@@ -354,30 +295,39 @@ void MakeAlbumDialog::button_to() {
 }
 
 void MakeAlbumDialog::button_invert() {
-    if (!listing_) {
-        for (item_t& item : items_) {
-            item.select.set_active(!item.select.get_active());
+    for (size_t index = 0; index < items_.size(); ++index) {
+        if (cell_t* const cell = find_cell(index)) {
+            cell->select.set_active(!items_[index].is_selected);
+        } else {
+            items_[index].is_selected = !items_[index].is_selected;
         }
     }
 }
 
 void MakeAlbumDialog::button_update() {
-    if (!listing_) {
-        list_source();
-        load_album_texts();
-    }
+    list_source();
+    load_album_texts();
 }
 
 void MakeAlbumDialog::button_image(size_t index) {
-    Gtk::SpinButton& rotation = items_[index].rotation;
-    rotation.set_editable(items_[index].select.get_active());
-    rotation.set_can_focus(false);
+    if (cell_t* const cell = find_cell(index)) {
+        const bool is_selected = cell->select.get_active();
+        items_[index].is_selected = is_selected;
+        cell->rotation.set_editable(is_selected);
+        cell->rotation.set_sensitive(is_selected);
+        cell->rotation.set_can_focus(false);
+    }
 }
 
 void MakeAlbumDialog::button_rotate(size_t index) {
-    item_t& item = items_[index];
-    if (item.show_turned()) {
-        item.select.set_image(item.picture);
+    cell_t* const cell = find_cell(index);
+    if (cell == nullptr) {
+        return;
+    }
+    photo_choice_t& item = items_[index];
+    item.angle = cell->rotation.get_value_as_int();
+    if (cell->is_filled && cell->show_turned(cell->preview, item.quarter_turns().value_or(0), item.name)) {
+        cell->select.set_image(cell->picture);
     }
 }
 

@@ -5,12 +5,9 @@
 #include <gtkmm/dialog.h>
 #include <gtkmm/entry.h>
 #include <gtkmm/label.h>
-#include <gtkmm/progressbar.h>
 #include <gtkmm/scrolledwindow.h>
 #include <gtkmm/table.h>
-#include <gtkmm/togglebutton.h>
 
-#include <chrono>
 #include <list>
 #include <string>
 #include <vector>
@@ -29,6 +26,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
   public:
     // `bookdir` must outlive the dialog.
     MakeAlbumDialog(Gtk::Window& parent, const std::string& from, const std::string& bookdir);
+    ~MakeAlbumDialog() override;
 
     // Paths and texts in the locale's encoding.
     [[nodiscard]] std::string get_from() const;
@@ -55,11 +53,17 @@ class MakeAlbumDialog : public Gtk::Dialog {
 
   protected:
     void on_map() override;
-    void on_response(int response) override;
 
   private:
-    struct item_t : photo_cell_t {
-        Gtk::ToggleButton select;
+    // What is on the screen of a file.
+    struct cell_t : photo_cell_t {
+        cell_t(MakeAlbumDialog& owner, size_t place);
+        [[nodiscard]] std::vector<Gtk::Widget*> widgets() override;
+        void fill() override;
+
+        MakeAlbumDialog& dialog;
+        size_t index;
+        choice_button_t select;
         Gtk::Label label;
     };
 
@@ -70,11 +74,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
 
     [[nodiscard]] bool is_listed() const;
     bool list_source();
-    void clear_items();
-    void fill_item(size_t index);
-    void show_list();
-    // Shows how far the list is; false when the dialog was closed meanwhile.
-    [[nodiscard]] bool show_progress(size_t done);
+    [[nodiscard]] cell_t* find_cell(size_t index) const;
     bool load_album_texts();
     [[nodiscard]] bool choose_folder(std::string& folder, e_message_local_t title, const std::string& start);
 
@@ -91,7 +91,6 @@ class MakeAlbumDialog : public Gtk::Dialog {
     Gtk::Button to_button_;
     Gtk::Label table_caption_;
     Gtk::Label notice_;  // stands for an empty table
-    Gtk::ProgressBar progress_;
     Gtk::ScrolledWindow scroller_;
     Gtk::Table table_;
     Gtk::HBox button_row_;
@@ -99,15 +98,13 @@ class MakeAlbumDialog : public Gtk::Dialog {
     Gtk::Button update_button_;
     comment_fields_t texts_;
     std::list<std::string> file_names_;
-    std::vector<item_t> items_;
-    std::vector<item_t> old_items_;  // one of them may be in the middle of a click that made the new list
+    std::vector<photo_choice_t> items_;
+    scrolled_grid_t grid_;
 
     bool is_complete_ = false;  // the list is that of listed_from_
     std::string listed_from_;
-    std::string loaded_to_;  // the album whose texts were looked for
-    bool listing_ = false;
-    bool closing_ = false;
-    std::chrono::steady_clock::time_point shown_at_;
+    std::string loaded_to_;                   // the album whose texts were looked for
+    std::vector<sigc::connection> on_leave_;  // of the entries
 };
 
 }  // namespace taloram

@@ -1,8 +1,10 @@
 #include "dialogs/photo_grid.h"
 
+#include <gdkmm/general.h>
 #include <gtk/gtk.h>
 
 #include <algorithm>
+#include <numbers>
 
 #include "dialogs/thumbnails.h"
 #include "libgr/image/pixel_operations.h"
@@ -16,7 +18,6 @@ namespace {
 
 constexpr int quarter = 90;        // degrees
 constexpr int widest_angle = 270;  // degrees
-constexpr size_t largest_table = 65535;
 
 // The wheel is for scrolling through the photographs: over a spinner it would turn one of them by accident.
 bool pass_to_scroller(GdkEventScroll* event, Gtk::Widget* spinner) {
@@ -26,23 +27,51 @@ bool pass_to_scroller(GdkEventScroll* event, Gtk::Widget* spinner) {
     return true;
 }
 
+// The mark's middle is the origin; it is drawn in a colour of the theme, on any picture, so both have white borders.
+void draw_check_mark(const Cairo::RefPtr<Cairo::Context>& cr, const Gdk::RGBA& colour) {
+    constexpr double radius = 13;  // pixels
+    cr->arc(0, 0, radius, 0, 2 * std::numbers::pi);
+    Gdk::Cairo::set_source_rgba(cr, colour);
+    cr->fill_preserve();
+    cr->set_source_rgb(1, 1, 1);
+    cr->set_line_width(2);
+    cr->stroke();
+    cr->move_to(-6, 0.5);
+    cr->line_to(-1.5, 5);
+    cr->line_to(6, -4.5);
+    cr->set_line_width(3);
+    cr->stroke();
+}
+
 }  // namespace
 
-photo_cell_t::photo_cell_t() {
+std::optional<unsigned long> photo_choice_t::quarter_turns() const {
+    if (angle < 0 || angle > widest_angle || angle % quarter != 0) {
+        libutils::report(name, ": ", angle, ": not 90/180/270.");
+        return std::nullopt;
+    }
+    return static_cast<unsigned long>(angle / quarter);
+}
+
+files_t photo_choice_t::chosen() const {
+    return {name, quarter_turns().value_or(0)};
+}
+
+photo_cell_t::photo_cell_t(const photo_choice_t& choice) {
     rotation.set_range(0, widest_angle);
     rotation.set_increments(quarter, quarter);
     rotation.set_digits(0);
     rotation.set_wrap(false);
-    rotation.set_value(0);
+    rotation.set_value(choice.angle);
     rotation.set_can_focus(false);
     rotation.set_tooltip_text(message_text(msg_rotation));
     rotation.get_accessible()->set_name(message_text(msg_rotation));
     rotation.signal_scroll_event().connect(sigc::bind(sigc::ptr_fun(&pass_to_scroller), &rotation), false);
 }
 
-bool photo_cell_t::show_turned() {
+bool photo_cell_t::show_turned(const libgr::image2d_t& image, unsigned long count, const std::string& name) {
     libgr::image2d_t turned;
-    if (!libgr::rotate(quarter_turns().value_or(0), turned, preview)) {
+    if (!libgr::rotate(count, turned, image)) {
         libutils::report(name, ": rotate() failed.");
         return false;
     }
@@ -55,34 +84,27 @@ bool photo_cell_t::show_turned() {
     return true;
 }
 
-std::optional<unsigned long> photo_cell_t::quarter_turns() const {
-    const int angle = rotation.get_value_as_int();
-    if (angle < 0 || angle > widest_angle || angle % quarter != 0) {
-        libutils::report(name, ": ", angle, ": not 90/180/270.");
-        return std::nullopt;
+bool choice_button_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
+    const bool handled = Gtk::ToggleButton::on_draw(cr);
+    if (get_active()) {
+        constexpr double frame = 4;    // pixels
+        constexpr double corner = 20;  // pixels from the sides to the mark's middle
+        Gdk::RGBA colour("#3584e4");
+        static_cast<void>(get_style_context()->lookup_color("theme_selected_bg_color", colour));
+        const double width = get_allocated_width();
+        const double height = get_allocated_height();
+        Gdk::Cairo::set_source_rgba(cr, colour);
+        cr->set_line_width(frame);
+        cr->rectangle(frame / 2, frame / 2, width - frame, height - frame);
+        cr->stroke();
+        cr->translate(get_direction() == Gtk::TEXT_DIR_RTL ? corner : width - corner, corner);
+        draw_check_mark(cr, colour);
     }
-    return static_cast<unsigned long>(angle / quarter);
-}
-
-files_t photo_cell_t::chosen() const {
-    return {name, quarter_turns().value_or(0)};
+    return handled;
 }
 
 size_t photos_in_row() {
     return static_cast<size_t>(std::max<uint64_t>(g_global.horizontal_items, 1));
-}
-
-void resize_grid(Gtk::Table& table, size_t count, guint rows) {
-    // Only a start, and not a full one: the table grows with what is attached to it.
-    const size_t in_row = photos_in_row();
-    table.resize(static_cast<guint>(std::min(count % in_row + 1, largest_table)),
-                 static_cast<guint>(std::min(rows * (count / in_row) + rows, largest_table)));
-}
-
-void attach_to_grid(Gtk::Table& table, Gtk::Widget& widget, size_t index, guint row, guint rows) {
-    const auto column = static_cast<guint>(index % photos_in_row());
-    const auto top = static_cast<guint>(index / photos_in_row()) * rows + row;
-    table.attach(widget, column, column + 1, top, top + 1);
 }
 
 }  // namespace taloram

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <optional>
 
 #include "album/album_layout.h"
 #include "libgr/image/pixel_operations.h"
@@ -32,26 +33,16 @@ bool decode(libgr::image2d_t& image, libgr::jpegdata_t& data, const std::string&
     return decoded;
 }
 
-// The camera's own thumbnail, set upright.
-bool load_embedded(libgr::image2d_t& image, libgr::jpegdata_t& data, const photo_header_t& header,
-                   const std::string& path) {
-    if (header.orientation_value) {
-        talolib::trace(std::cerr, "orientation: ", *header.orientation_value);
-    }
-    data.setvector(header.thumbnail, path.c_str());
-    if (!decode(image, data, path, ": thumbnail decompress() failed.")) {
-        return false;
-    }
-    const unsigned long turns = quarter_turns(header.orientation());
-    if (turns == 0) {
+bool turn(libgr::image2d_t& image, unsigned long count, const std::string& path) {
+    if (count == 0) {
         return true;
     }
-    libgr::image2d_t upright;
-    if (!libgr::rotate(turns, upright, image)) {
+    libgr::image2d_t turned;
+    if (!libgr::rotate(count, turned, image)) {
         libutils::report(path, ": rotate() failed.");
         return false;
     }
-    image = upright;
+    image = turned;
     return true;
 }
 
@@ -76,9 +67,9 @@ void copy_row(guint8* to, const unsigned char* from, uint32_t width, bool gray) 
     }
 }
 
-}  // namespace
-
-bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
+// A preview of a JPEG file, turned by its orientation or else by `asked`. Only where the user asked for a turn a whole
+// picture is turned, too.
+bool load_preview(libgr::image2d_t& image, const std::string& path, std::optional<unsigned long> asked) {
     libgr::jpegdata_t data;
     if (!is_photo(path) || !load_file(data, path)) {
         return false;
@@ -89,15 +80,31 @@ bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
         return false;
     }
     read_exif(header);
+    const unsigned long turns = header.orientation_value ? quarter_turns(header.orientation()) : asked.value_or(0);
     if (!header.thumbnail.empty()) {
-        return load_embedded(image, data, header, path);
+        if (header.orientation_value) {
+            talolib::trace(std::cerr, "orientation: ", *header.orientation_value);
+        }
+        data.setvector(header.thumbnail, path.c_str());
+        return decode(image, data, path, ": thumbnail decompress() failed.") && turn(image, turns, path);
     }
     if (!decode(image, data, path,
                 header.app1().empty() ? ": thumbnail decompress() failed." : ": original decompress() failed.")) {
         return false;
     }
     halve_to_preview(image);
-    return true;
+    return !asked || turn(image, turns, path);
+}
+
+}  // namespace
+
+bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
+    return load_preview(image, path, std::nullopt);
+}
+
+bool load_updated_preview(libgr::image2d_t& image, const std::string& album, const std::string& name,
+                          unsigned long count) {
+    return load_preview(image, original_path(album, name), count);
 }
 
 bool load_jpeg(libgr::image2d_t& image, const std::string& path) {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 
@@ -85,6 +86,53 @@ TEST(MakeAlbumDialog, lists_turns_and_selects) {
     EXPECT_EQ("", dialog.get_to());
 }
 
+TEST(MakeAlbumDialog, many_photographs_have_few_widgets) {
+    constexpr size_t count = 400;
+    const temp_dir_t card;
+    write_file(card / "100.JPG", make_camera_jpeg({}, 1, true));
+    for (size_t i = 1; i < count; ++i) {
+        link((card / "100.JPG").c_str(), (card / std::to_string(100 + i) + ".JPG").c_str());
+    }
+    Gtk::Window window;
+    const std::string book = "/no book";
+    MakeAlbumDialog dialog(window, card.path(), book);
+    dialog.show();
+    wait_until([&] { return find_button(dialog, "100.JPG") != nullptr; });
+    EXPECT_EQ(nullptr, find_button(dialog, "499.JPG"));
+    click(dialog, "101.JPG");
+    find_button(dialog, "101.JPG")->grab_focus();
+    const auto focused = [&] {
+        return dialog.get_focus() == nullptr ? Glib::ustring() : dialog.get_focus()->get_tooltip_text();
+    };
+    for (int row = 1; row <= 20; ++row) {  // five in each
+        settle();
+        dialog.child_focus(Gtk::DIR_DOWN);
+        ASSERT_EQ(std::to_string(101 + 5 * row) + ".JPG", focused());
+    }
+    EXPECT_EQ(nullptr, find_button(dialog, "101.JPG")) << "scrolled away";
+    find_all<Gtk::ScrolledWindow>(dialog).at(0)->get_vadjustment()->set_value(1e6);
+    wait_until([&] { return find_button(dialog, "499.JPG") != nullptr; });
+    EXPECT_GT(120U, find_all<Gtk::ToggleButton>(dialog).size());
+    EXPECT_LT("400.JPG", focused()) << "the keyboard goes on from what is seen";
+    ASSERT_EQ(1U, dialog.selected_files().size());
+    click(dialog, "Invert Selection");
+    find_all<Gtk::ScrolledWindow>(dialog).at(0)->get_vadjustment()->set_value(0);
+    wait_until([&] { return find_button(dialog, "101.JPG") != nullptr; });
+    const auto chosen = dialog.selected_files();
+    ASSERT_EQ(count - 1, chosen.size());
+    EXPECT_EQ("102.JPG", chosen[1].filename);
+    EXPECT_FALSE(dynamic_cast<Gtk::ToggleButton&>(*find_button(dialog, "101.JPG")).get_active());
+
+    // A refused answer leaves the dialog as it is, and it goes on listing.
+    dialog.response(Gtk::RESPONSE_OK);
+    const temp_dir_t other;
+    write_file(other / "only.JPG", make_camera_jpeg({}, 1, true));
+    find_all<Gtk::Entry>(dialog).at(0)->set_text(other.path());
+    EXPECT_TRUE(dialog.leave_from(nullptr));
+    click(dialog, "only.JPG");
+    EXPECT_EQ(1U, dialog.selected_files().size());
+}
+
 struct album_t {
     temp_dir_t dir;
     Gtk::Window window;
@@ -103,7 +151,7 @@ TEST(EditAlbumDialog, saves_texts_comments_and_turns) {
     album_t album;
     EditAlbumDialog dialog(album.window, album.dir.path());
     find_all<Gtk::SpinButton>(dialog).at(0)->set_value(90);
-    EXPECT_EQ(std::pair(12, 16), picture_size(dialog));
+    EXPECT_EQ(std::pair(48, 64), picture_size(dialog));
     find_all<Gtk::Entry>(dialog).at(0)->set_text("New");
     on_next_dialog([](Gtk::Dialog& box) { click(box, "P.JPG"), click(box, "OK"); });
     on_next_dialog([](Gtk::Dialog& box) {
@@ -116,6 +164,15 @@ TEST(EditAlbumDialog, saves_texts_comments_and_turns) {
     EXPECT_EQ(blob_t({'o', 'n', 'e', '\r', '\n', 't', 'w', 'o', '\r', '\n'}), text("txt/P.JPG.txt"));
     EXPECT_EQ(blob_t({'N', 'e', 'w', '\r', '\n', 'N', 'e', 'w', '\r', '\n'}), text("txt/head.txt"));
     EXPECT_EQ(48U, decode(text("size0/P.JPG")).width) << "64 x 48, turned";
+
+    // What the next update makes: of the original again, and for a camera that knew better what it knew.
+    write_file(album.dir / "original/Q.JPG", make_camera_jpeg({}, 3, false));
+    EditAlbumDialog again(album.window, album.dir.path());
+    for (Gtk::SpinButton* spinner : find_all<Gtk::SpinButton>(again)) {
+        spinner->set_value(90);
+    }
+    EXPECT_EQ(std::pair(64, 48), picture_size(again, 0)) << "Q.JPG";
+    EXPECT_EQ(std::pair(48, 64), picture_size(again, 1)) << "P.JPG";
 }
 
 TEST(EditAlbumDialog, without_a_title_the_album_is_updated_all_the_same) {
