@@ -92,9 +92,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_slide_show = 85,  // in the title while it runs
     msg_no_room = 86,
     msg_album_unreadable = 87,
-    msg_no_viewer_program = 88,  // the script is there
-    msg_text_unreadable = 89,
-    // photographs' windows: 90 to 98
+    // photographs' windows: 88 to 98
     msg_reserved_99 = 99,
     msg_names_an_album = 100,     // a new book's name
     msg_names_a_book = 101,       // a new album's name
@@ -106,8 +104,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_text_unreadable = 107,  // followed by what was reported
     // books' windows: 108 to 118
     msg_reserved_119 = 119,
-    msg_photo_damaged = 120,  // a part of it is shown
-    // the viewer: 121 to 124
+    // the viewer: 120 to 124
     msg_reserved_125 = 125,
     msg_names_clash = 126,      // names, two a line, follow
     msg_wait_for_writer = 127,  // a question; the answer may be to stop waiting
