@@ -29,21 +29,27 @@ bool check_from(const std::string& from, std::list<std::string>& listing) {
     return libutils::getfiles(listing, from.c_str()) || wrong_use(from, ": can't be read.");
 }
 
-bool holds_albums(const std::string& directory) {
+// An album in place of a book would take over the book's page and hide its albums.
+bool check_no_book(const std::string& directory) {
     std::list<std::string> below;
-    return !taloram::is_album(directory) && libutils::getdirs(below, directory.c_str()) &&
-           std::any_of(below.begin(), below.end(), [&](const std::string& name) {
-               return taloram::is_album(taloram::entry_path(directory, name));
-           });
+    if (taloram::is_album(directory)) {
+        return true;
+    }
+    if (libutils::list_directories(below, directory)) {
+        return wrong_use(directory, ": can't be read.");
+    }
+    const bool holds_albums = std::any_of(below.begin(), below.end(), [&](const std::string& name) {
+        return taloram::is_album(taloram::entry_path(directory, name));
+    });
+    return !holds_albums || wrong_use(directory, ": a book; name a directory below it for the album.");
 }
 
-// An album in place of a book would take over the book's page and hide its albums.
 bool check_place(const std::string& album) {
     if (album.empty()) {
         return wrong_use("the album directory has no name.");
     }
     if (libutils::is_directory(album)) {
-        return !holds_albums(album) || wrong_use(album, ": a book; name a directory below it for the album.");
+        return check_no_book(album);
     }
     if (libutils::is_exist(album)) {
         return wrong_use(album, ": not a directory.");

@@ -84,6 +84,45 @@ stage_beside() {
     echo "files staged beside their names"
 }
 
+# File systems without locks cost one line.
+refuse_locks() {
+    local error
+    for error in EOPNOTSUPP ENOLCK; do
+        rm -rf "$album"
+        ends_with 0 failing "flock:$error:0:" "${import[@]}"
+        check grep -q "^$album: can't be locked, .*; let no other program write there meanwhile.\$" "$place/errors"
+        check [ "$(wc -l <"$place/errors")" -eq 1 ]
+        is_same "$reference" "$album"
+    done
+    echo "file systems without locks"
+}
+
+# What may be a book becomes no album.
+hide_what_is_there() {
+    rm -rf "$album"
+    mkdir -p "$album/below/original"
+    ends_with 2 "${import[@]}"
+    ends_with 2 failing "readdir:EIO:0:/album" "${import[@]}"
+    check grep -qx "talomake: $album: can't be read." "$place/errors"
+    check [ "$(ls -A "$album" "$album/below/original")" = "$(printf '%s:\nbelow\n\n%s:' "$album" "$album/below/original")" ]
+    echo "directories that can't be listed"
+}
+
+# A turn that can't be written turns nothing, and nothing of it stays.
+fail_turns() {
+    local calls
+    cp -a "$reference" "$place/unturned"
+    for calls in write:ENOSPC:0:/.taloram-turning- write:ENOSPC:3:/.taloram-turning- \
+        fsync:EIO:0:/.taloram-turning- rename:EIO:0:/.taloram-turned-; do
+        rm -rf "$album"
+        cp -a "$place/unturned" "$album"
+        ends_with 1 failing "$calls" "$bin/talomake" turn "$album" 90 IMG_0001.JPG IMG_0002.JPG
+        check [ -s "$place/errors" ]
+        is_same "$place/unturned" "$album"
+    done
+    echo "turns that fail"
+}
+
 # What can't be removed is named.
 fail_removals() {
     local part
@@ -131,5 +170,8 @@ verify=("$bin/talomake" verify "$album")
 break_reading_off
 fail_copies
 stage_beside
+refuse_locks
+hide_what_is_there
+fail_turns
 fail_removals
 note_flushes

@@ -55,7 +55,9 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
     const std::string before = run(state).out;
     std::istringstream uses(
         ";none;--bogus;album;album card;album none new;album card/a.jpg new;album card none/new;album card card/a.jpg;"
-        "album card '';album '' new;album card book;album . new card;update;update none;update card/a.jpg;"
+        "album card '';album '' new;album card book;album . new card;album old/size0 old;album old/thumb old;"
+        "album old/html old;album old/txt old --replace;album old/movie old clip.MOV;update;update none;update "
+        "card/a.jpg;"
         "update old none;book;book none;book old;turn old 90;turn old 45 a.jpg;turn old 90 a.jpg a.jpg;"
         "turn old 90 ../original/a.jpg;turn old 90 clip.MOV;turn card 90 a.jpg;update --jobs 0 old;exif;exif "
         "card/a.jpg none;exif card;"
@@ -152,6 +154,10 @@ TEST_F(talomake, updates_and_turns) {
     EXPECT_EQ(run("ls */one/size1/a.jpg */two/thumb/B.JPG */*/index.html */index.html && rm */index.html").status, 0);
     EXPECT_EQ(run("talomake book book && ls */index.html").status, 0);
     EXPECT_EQ(run("talomake turn book/one 270 a.jpg && grep '>120x200 (' book/one/index.html").status, 0);
+    // B.JPG is shown upright by its EXIF data until it is turned.
+    EXPECT_EQ(run("talomake turn book/one 180 B.JPG").status, 0);
+    EXPECT_EQ(decode(read_file(home_ / "book/one/size0/B.JPG")).height, 64U);
+    EXPECT_EQ(run("talomake exif book/one/size0/B.JPG").err, "book/one/size0/B.JPG: no EXIF summary.\n");
     EXPECT_EQ(run("rm book/one/size1/a.jpg; talomake turn book/one 90 a.jpg").err,
               "book/one/size1/a.jpg: can't be read, nothing was turned.\nturn_photos() failed.\n");
 }
