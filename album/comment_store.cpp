@@ -163,6 +163,15 @@ unread_text_t load_comments_in(comment_texts_t& texts, const std::string& txtdir
     return unread;
 }
 
+bool becomes_comments(const std::string& txtdir, const std::string& name) {
+    const text_place_t places[] = {head_in(txtdir), last_in(txtdir)};
+    return std::any_of(std::begin(places), std::end(places), [&](const text_place_t& place) {
+        const std::string read = is_exist(place.path()) ? place.path() : place.start + place.upper_case;
+        return name == place.name ||
+               (libutils::equals_nocase(name, place.name) && libutils::is_same_file(entry_path(txtdir, name), read));
+    });
+}
+
 unread_text_t load_photo_comment(std::optional<std::string>& text, const std::string& album, const std::string& photo) {
     const text_place_t place = comment_of(album, photo);
     std::string found;

@@ -38,6 +38,9 @@ void report_unread(const unread_text_t& unread);
 [[nodiscard]] unread_text_t load_comments(comment_texts_t& texts, const std::string& album);
 [[nodiscard]] unread_text_t load_comments_in(comment_texts_t& texts, const std::string& txtdir);
 
+// True for the name of a file of `txtdir` that load_comments_in() reads, or that an album's own texts have.
+[[nodiscard]] bool becomes_comments(const std::string& txtdir, const std::string& name);
+
 // The comment of a photograph, named by a path whose last component counts; nothing when there is none.
 [[nodiscard]] unread_text_t load_photo_comment(std::optional<std::string>& text, const std::string& album,
                                                const std::string& photo);

@@ -70,11 +70,15 @@ class maker_t {
     }
 
     [[nodiscard]] bool has_no_conflicts() {
-        if (order_.replace) {
+        std::vector<std::string>& conflicts = result_.conflicts;
+        conflicts.clear();
+        if (order_.replace == replace_t::files_and_sums) {
             return true;
         }
-        std::vector<std::string>& conflicts = result_.conflicts;
-        conflicts = find_conflicts(order_.source, order_.files, order_.album);
+        const bool replaces = order_.replace == replace_t::files;
+        if (!replaces) {
+            conflicts = find_conflicts(order_.source, order_.files, order_.album);
+        }
         for (const std::string& path : conflicts) {
             libutils::report(libutils::one_line(path), ": there already, with other contents.");
         }
@@ -84,7 +88,7 @@ class maker_t {
                 libutils::report(libutils::one_line(path), ": ", what);
             }
         };
-        const bool keeps = keeps_sums(order_.source, order_.files, order_.album, add_once);
+        const bool keeps = keeps_sums(order_.source, order_.files, order_.album, replaces, add_once);
         return conflicts.empty() && keeps;
     }
 

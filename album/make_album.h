@@ -10,6 +10,13 @@
 
 namespace taloram {
 
+// What an import may take the place of.
+enum class replace_t {
+    nothing,
+    files,           // of the album that have other contents; but the noted sum of what is already there stays
+    files_and_sums,  // also where the album's file was changed to what is imported now
+};
+
 // An album that a user wants: made, or added to where it is there.
 struct album_order_t {
     std::string source;
@@ -23,7 +30,7 @@ struct album_order_t {
     std::optional<std::string> last;
 
     import_options_t options;
-    bool replace = false;  // files of the album that have other contents
+    replace_t replace = replace_t::nothing;
 
     // The directory above gets its book's page also when it has no texts yet.
     bool is_in_book = false;
@@ -32,7 +39,7 @@ struct album_order_t {
 // What is done for an album, in this order.
 enum class album_step_t {
     source,     // looked at: it must not lie inside the album, unless it is the album's original/
-    conflicts,  // looked for, unless they are to be replaced: files of the album with other contents or another sum
+    conflicts,  // looked for, as far as they are not to be replaced: files with other contents or another sum
     names,      // looked at: whether the album's disk tells them apart
     room,       // looked for
     directory,  // made

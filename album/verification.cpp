@@ -9,6 +9,7 @@
 #include "album/checksum.h"
 #include "libutils/diagnostics.h"
 #include "libutils/directory.h"
+#include "libutils/file_copy.h"
 
 namespace taloram {
 
@@ -60,7 +61,7 @@ bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& 
 }
 
 bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                const finding_t& found) {
+                bool replaces_files, const finding_t& found) {
     manifest_t manifest;
     if (!manifest.load(album)) {
         return false;
@@ -71,7 +72,11 @@ bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, co
         const std::optional<std::string> noted = manifest.sum_of(file.path_in_album);
         std::string sum;
         // A source that can't be read replaces nothing, and of the album's own file the sum stays.
-        if (noted && !file.in_place && sha256_of_file(sum, file.source, read_from_t::anywhere) && sum != *noted) {
+        const auto stays = [&] {
+            return !replaces_files || libutils::same_contents(file.source.c_str(), file.destination.c_str());
+        };
+        if (noted && !file.in_place && sha256_of_file(sum, file.source, read_from_t::anywhere) && sum != *noted &&
+            stays()) {
             found(file.destination, libutils::join_text("has another sum in ", manifest_t::name, "."));
             good = false;
         }

@@ -20,9 +20,10 @@ using finding_t = std::function<void(const std::string& path, const std::string&
 
 // Looks, before an import writes anything, for listed files whose import would change the sum that SHA256SUMS has of
 // them, although the album's file may be gone or hold the same bytes: one of the two is not what was imported once.
+// An import that replaces files may change the sums of those, but not of files that hold the same bytes already.
 // `found` is called for each; true when there are none. False, after a report, also when the sums can't be read.
 [[nodiscard]] bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                              const finding_t& found);
+                              bool replaces_files, const finding_t& found);
 
 // Brings the names of an import to the disk: the directories of the album, the album and the directory that holds it.
 // Reports a failure.

@@ -325,7 +325,7 @@ void EditBookDialog::make_album() {
 
 bool EditBookDialog::order_album(album_order_t& order) {
     MakeAlbumDialog dialog(*this, g_global.from, book_directory_);
-    order.replace = true;  // the user is asked about an album that is there
+    order.replace = replace_t::files;  // the user is asked about an album that is there
     order.is_in_book = true;
     for (;;) {
         const int response = dialog.run();

@@ -7,6 +7,7 @@
 #include <map>
 #include <set>
 
+#include "album/comment_store.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "libutils/system_path.h"
@@ -81,7 +82,7 @@ bool choose_files(const std::vector<std::string>& named, const std::list<std::st
     if (named.empty()) {
         for (const std::string& name : listing) {
             // The source's texts go into the album's own, where options may have changed them.
-            const bool is_listed = name.front() != '.' && name != "head.txt" && name != "last.txt";
+            const bool is_listed = name.front() != '.' && !taloram::becomes_comments(order.source, name);
             // The listing has links to directories.
             if (is_listed && !libutils::is_directory(taloram::entry_path(order.source, name))) {
                 order.files.push_back({name, 0});
@@ -147,7 +148,7 @@ bool check_album(const album_command_t& command, taloram::album_order_t& order) 
     order.album = libutils::strip_trailing_slash(command.album);
     order.title = command.title;
     order.options = {command.verify, command.keep_going};
-    order.replace = command.replace;
+    order.replace = command.replace ? taloram::replace_t::files_and_sums : taloram::replace_t::nothing;
     std::list<std::string> listing;
     return check_from(order.source, listing) && check_place(order.album) && check_source(order) &&
            choose_files(command.files, listing, order) && set_rotations(command.rotations, order.files) &&

@@ -58,7 +58,7 @@ TEST_F(conflict_test, a_sum_that_would_change_is_found_before_anything_is_writte
         put(album + "/SHA256SUMS", sum_line);
         const auto look = [&](const std::string& from) {
             return findings([&](const finding_t& found) {
-                return keeps_sums(from, {{"abc.mov"}, {"x.txt"}}, album, found);
+                return keeps_sums(from, {{"abc.mov"}, {"x.txt"}}, album, false, found);
             });
         };
         EXPECT_EQ(c.is_conflict ? "false\nmovie/abc.mov: has another sum in SHA256SUMS.\n" : "true\n", look(card))

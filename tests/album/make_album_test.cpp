@@ -17,7 +17,7 @@ struct make_album_test : album_test_t {
     }
 
     progress_signals_t unseen;
-    album_order_t order{card, {{"p.jpg"}, {"q.jpg"}}, dir / "book/new", {}, {}, {}, {}, false, false};
+    album_order_t order{card, {{"p.jpg"}, {"q.jpg"}}, dir / "book/new", {}, {}, {}, {}, {}, false};
     album_result_t result;
 };
 
@@ -79,6 +79,30 @@ TEST_F(make_album_test, refuses_a_source_that_it_would_remove) {
                                "; only its original/ can be imported again.\n",
                   outcome([&] { return check_album_order(order).is_made(); }));
     }
+}
+
+TEST_F(make_album_test, changes_a_noted_sum_only_when_told) {
+    put(card + "/m.mov", "as shot");
+    order.album = album;
+    order.files = {{"m.mov"}};
+    order.options.verify = true;
+    EXPECT_EQ("true\n", make());
+    const std::string movie = order.album + "/movie/m.mov";
+    const std::string sums = text_of(order.album + "/SHA256SUMS");
+    put(movie, "damaged");
+    put(card + "/m.mov", "damaged");
+    for (const replace_t replace : {replace_t::nothing, replace_t::files}) {
+        order.replace = replace;
+        EXPECT_EQ("false\n" + movie + ": has another sum in SHA256SUMS.\n", make());
+        EXPECT_EQ(album_step_t::conflicts, result.refused);
+        EXPECT_EQ(sums, text_of(order.album + "/SHA256SUMS"));
+    }
+    order.replace = replace_t::files_and_sums;
+    EXPECT_EQ("true\n", make());
+    order.replace = replace_t::files;
+    put(card + "/m.mov", "as shot");
+    EXPECT_EQ("true\n", make()) << "the whole copy comes back in the place of the damaged one";
+    EXPECT_EQ(sums, text_of(order.album + "/SHA256SUMS"));
 }
 
 TEST_F(make_album_test, warns_of_names_that_links_do_not_reach) {

@@ -24,10 +24,11 @@ start_afresh() {
     cp "$place/photograph" "$card/IMG.JPG"
 }
 
+#   is_refused <path in the album> <path in the album> [<name>...]
 is_refused() {
     local before
     before=$(ls -AR "$disk")
-    ends_with 1 on_folding_disk "${import[@]}"
+    ends_with 1 on_folding_disk "${import[@]}" "${@:3}"
     check grep -qxF "$album/$1, $2: one file for the album's disk; rename one before the import." "$place/errors"
     [ "$before" = "$(ls -AR "$disk")" ] || fail "something was written: $(ls -AR "$disk")"
 }
@@ -53,7 +54,12 @@ start_afresh
 touch "$card/a.txt" "$card/A.TXT"
 is_refused txt/A.TXT txt/a.txt
 start_afresh
-echo >"$card/HEAD.TXT"
+printf 'Dunes\nDunes\n' >"$card/HEAD.TXT"
+is_refused txt/HEAD.TXT txt/head.txt HEAD.TXT
+ends_with 0 on_folding_disk "${import[@]}" # the card's texts become the album's own
+check grep -q "Dunes" "$album/index.html"
+rm -r "$album"
+touch "$card/head.txt" # another file is read, where the card tells them apart
 is_refused txt/HEAD.TXT txt/head.txt
 
 start_afresh

@@ -50,9 +50,10 @@ run_pair() {
     fi
 }
 
+# Whoever comes first decides about the album's texts.
 both_end_well() {
     [ "$first $second" = "0 0" ] || fail "status $first and $second of: $*"
-    is_same "$reference" "$book"
+    [ -z "$(differences "$place/reversed" "$book")" ] || is_same "$reference" "$book"
 }
 
 # $longest becomes the milliseconds that an import takes, at most 999.
@@ -75,6 +76,11 @@ measure
 import "$two" "$book/album" >/dev/null
 import "$two" "$book/other" >/dev/null
 mv "$book" "$reference"
+start_afresh
+import "$two" "$book/album" >/dev/null
+import "$one" "$book/album" >/dev/null
+import "$two" "$book/other" >/dev/null
+mv "$book" "$place/reversed"
 
 for ((pair = 1; pair <= pairs; ++pair)); do
     start_afresh
