@@ -6,6 +6,7 @@
 
 #include "album/album_update.h"
 #include "album/comment_store.h"
+#include "album/planned_turn.h"
 #include "album/turn_photo.h"
 #include "dialogs/message_box.h"
 #include "dialogs/table_scroller.h"
@@ -119,18 +120,16 @@ std::vector<Gtk::Widget*> EditAlbumDialog::cell_t::widgets() {
 }
 
 void EditAlbumDialog::cell_t::fill() {
+    is_loaded = load_exifthumbnail_or_thumbdir(preview, dialog.album_, dialog.items_[index].name);
     dialog.show_preview(*this);
     exif_label.set_text(photo_summary(dialog.album_, dialog.items_[index].name));
 }
 
-// A turn asked for is shown as the update will make it, from the original; without one the photograph stays as it is.
+// As the update will leave it.
 void EditAlbumDialog::show_preview(cell_t& cell) const {
     const photo_choice_t& item = items_[cell.index];
-    const unsigned long turns = item.quarter_turns().value_or(0);
-    const bool loaded = turns == 0 ? load_exifthumbnail_or_thumbdir(cell.preview, album_, item.name)
-                                   : load_updated_preview(cell.preview, album_, item.name, turns);
-    if (loaded) {
-        cell.show_turned(cell.preview, 0, item.name);
+    if (cell.is_loaded) {
+        cell.show_turned(cell.preview, planned_turn(album_, item.name, item.quarter_turns().value_or(0)), item.name);
     }
 }
 

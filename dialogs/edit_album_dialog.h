@@ -58,6 +58,7 @@ class EditAlbumDialog : public Gtk::Dialog {
 
         EditAlbumDialog& dialog;
         size_t index;
+        bool is_loaded = false;  // the preview
         Gtk::Button text_button;
         Gtk::Label exif_label;
     };

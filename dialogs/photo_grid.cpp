@@ -18,6 +18,7 @@ namespace {
 
 constexpr int quarter = 90;        // degrees
 constexpr int widest_angle = 270;  // degrees
+constexpr int longest_side = 192;  // pixels; five photographs in a row fit on a small screen
 
 // The wheel is for scrolling through the photographs: over a spinner it would turn one of them by accident.
 bool pass_to_scroller(GdkEventScroll* event, Gtk::Widget* spinner) {
@@ -77,7 +78,7 @@ bool photo_cell_t::show_turned(const libgr::image2d_t& image, unsigned long coun
     }
     const Glib::RefPtr<Gdk::Pixbuf> pixels = convert_to_pixbuf(turned);
     if (pixels) {
-        picture.set(pixels);
+        picture.set(fit_into(pixels, longest_side, longest_side));
     } else {
         picture.clear();
     }
@@ -96,6 +97,11 @@ bool choice_button_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         Gdk::Cairo::set_source_rgba(cr, colour);
         cr->set_line_width(frame);
         cr->rectangle(frame / 2, frame / 2, width - frame, height - frame);
+        cr->stroke();
+        // The colour of a dark theme is dark, too.
+        cr->set_source_rgb(1, 1, 1);
+        cr->set_line_width(1);
+        cr->rectangle(frame + 0.5, frame + 0.5, width - 2 * frame - 1, height - 2 * frame - 1);
         cr->stroke();
         cr->translate(get_direction() == Gtk::TEXT_DIR_RTL ? corner : width - corner, corner);
         draw_check_mark(cr, colour);

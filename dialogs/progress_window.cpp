@@ -53,18 +53,29 @@ progress_window_t::progress_window_t(Gtk::Window& parent) : Gtk::Dialog("progres
     show_all_children();
 }
 
-void progress_window_t::begin(const Glib::ustring& subject) {
+void progress_window_t::begin(const Glib::ustring& subject, std::chrono::milliseconds patience) {
     subject_.set_text(subject);
     show_files({});
-    g_workers.idle = run_pending_events;
-    present();
+    show_from_ = std::chrono::steady_clock::now() + patience;
+    g_workers.idle = [this] { run_events(); };
+    run_events();
+}
+
+void progress_window_t::run_events() {
+    if (show_from_) {
+        if (std::chrono::steady_clock::now() < *show_from_) {
+            return;
+        }
+        show_from_.reset();
+        present();
+    }
     run_pending_events();
 }
 
 void progress_window_t::begin_album(const std::string& path, const std::vector<files_t>& files) {
     subject_.set_text(to_toolkit(path));
     show_files(files);
-    run_pending_events();
+    run_events();
 }
 
 void progress_window_t::show_files(const std::vector<files_t>& files) {
@@ -79,6 +90,7 @@ void progress_window_t::show_files(const std::vector<files_t>& files) {
 
 void progress_window_t::end() {
     g_workers.idle = nullptr;
+    show_from_.reset();
     hide();
 }
 
@@ -89,7 +101,7 @@ void progress_window_t::set_progress(stage_t stage, double fraction) {
     bar.set_fraction(shown);
     show_file(stage, shown);
     bar.queue_draw();
-    run_pending_events();
+    run_events();
 }
 
 // The engine tells which part is done: what it works on now is the file behind that part.

@@ -5,6 +5,8 @@
 #include <gtkmm/progressbar.h>
 
 #include <array>
+#include <chrono>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -24,8 +26,9 @@ class progress_window_t : public Gtk::Dialog {
     // Connected to the bars; valid while the window lives.
     [[nodiscard]] progress_signals_t& signals() { return signals_; }
 
-    // Resets the bars and shows the window; `subject` is what is worked on.
-    void begin(const Glib::ustring& subject);
+    // Resets the bars and shows the window; `subject` is what is worked on. What is mostly done within `patience` is
+    // spared a window that flashes up: until then nothing is shown, and no event is taken.
+    void begin(const Glib::ustring& subject, std::chrono::milliseconds patience = {});
     void end();
 
     // Moves a stage's bar to min(fraction, 1) and runs the toolkit's pending events. When the main loop was asked to
@@ -36,12 +39,14 @@ class progress_window_t : public Gtk::Dialog {
     bool on_delete_event(GdkEventAny* event) override;
 
   private:
+    void run_events();
     void begin_album(const std::string& path, const std::vector<files_t>& files);
     void show_files(const std::vector<files_t>& files);
     void show_file(stage_t stage, double fraction);
 
     progress_signals_t signals_;
-    std::vector<std::string> names_;  // of the files that the stages count
+    std::optional<std::chrono::steady_clock::time_point> show_from_;  // while it waits for that
+    std::vector<std::string> names_;                                  // of the files that the stages count
     Gtk::Label subject_;
     Gtk::Label file_;
     std::array<Gtk::Label, shown_stages.size()> captions_;

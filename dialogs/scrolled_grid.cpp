@@ -15,6 +15,7 @@ namespace {
 // So few need no care: all have their widgets all the time.
 constexpr size_t few_cells = 60;
 constexpr double least_page = 800;  // pixels, before the scroller has its height
+constexpr int gap = 4;              // pixels between photographs
 constexpr size_t most_table_lines = 65535;
 
 constexpr std::chrono::milliseconds first_slice{100};
@@ -67,6 +68,7 @@ void scrolled_grid_t::set_columns(size_t columns) {
     const Glib::RefPtr<Gtk::Adjustment> place = scroller_.get_vadjustment();
     const size_t top =
         row_height_ == 0 ? 0 : static_cast<size_t>(place->get_value()) / static_cast<size_t>(row_height_) * columns_;
+    const focus_t focus = find_focus();
     for (size_t row = attached_.first; row < attached_.last; ++row) {
         detach_row(row);
     }
@@ -77,6 +79,9 @@ void scrolled_grid_t::set_columns(size_t columns) {
     place->set_upper(std::max(height * static_cast<double>(row_count()), place->get_page_size()));
     place->set_value(height * static_cast<double>(top / columns_));
     update();
+    if (cell_t* const cell = focus.is_set ? find(focus.index) : nullptr) {
+        take_focus(*cell->widgets()[focus.part]);
+    }
 }
 
 void scrolled_grid_t::resize_table() {
@@ -91,7 +96,7 @@ scrolled_grid_t::cell_t* scrolled_grid_t::find(size_t index) const {
     return index < cells_.size() ? cells_[index].get() : nullptr;
 }
 
-void scrolled_grid_t::show(size_t index) {
+void scrolled_grid_t::focus_on(size_t index, size_t part) {
     if (index >= cells_.size()) {
         return;
     }
@@ -99,6 +104,9 @@ void scrolled_grid_t::show(size_t index) {
     const double top = height * static_cast<double>(index / columns_);
     scroller_.get_vadjustment()->clamp_page(top, top + height);
     update();
+    if (cell_t* const cell = find(index)) {
+        take_focus(*cell->widgets()[part]);
+    }
 }
 
 // What is within a page of what is seen.
@@ -187,6 +195,8 @@ void scrolled_grid_t::attach_row(size_t row) {
         for (Gtk::Widget* widget : cells_[index]->widgets()) {
             if (widget != nullptr) {
                 table_.attach(*widget, column, column + 1, line, line + 1);
+                // Not the table's spacing, which counts for columns that nothing is in, too.
+                widget->set_margin_end(gap);
                 widget->show_all();
             }
             ++line;
@@ -247,11 +257,16 @@ void scrolled_grid_t::move_focus(const focus_t& focus) {
     const size_t row = std::clamp(seen, attached_.first, attached_.last - 1);
     const size_t index = std::min(row * columns_ + focus.index % columns_, cells_.size() - 1);
     if (Gtk::Widget* const widget = find(index) == nullptr ? nullptr : cells_[index]->widgets()[focus.part]) {
-        // It is seen, but has no place yet, and the scroller would go to the top for it.
-        const double value = place->get_value();
-        widget->grab_focus();
-        scroller_.get_vadjustment()->set_value(value);
+        take_focus(*widget);
     }
+}
+
+// The widget may have no place yet, and the scroller would go to the top for it.
+void scrolled_grid_t::take_focus(Gtk::Widget& widget) {
+    const Glib::RefPtr<Gtk::Adjustment> place = scroller_.get_vadjustment();
+    const double value = place->get_value();
+    widget.grab_focus();
+    place->set_value(value);
 }
 
 // As the table reckons it.

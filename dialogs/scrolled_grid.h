@@ -44,8 +44,8 @@ class scrolled_grid_t : public sigc::trackable {
     // Null for a photograph that is far from the screen.
     [[nodiscard]] cell_t* find(size_t index) const;
 
-    // Scrolls until a photograph is seen whole.
-    void show(size_t index);
+    // Scrolls until a photograph is seen whole, and puts the keyboard's focus on its widget `part`.
+    void focus_on(size_t index, size_t part);
 
   private:
     // Rows of photographs.
@@ -75,6 +75,7 @@ class scrolled_grid_t : public sigc::trackable {
     void drop_cells();
     [[nodiscard]] focus_t find_focus() const;
     void move_focus(const focus_t& focus);
+    void take_focus(Gtk::Widget& widget);
     [[nodiscard]] int height_of(size_t row) const;
     void measure();
     [[nodiscard]] cell_t* next_to_fill() const;

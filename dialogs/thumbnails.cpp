@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iostream>
-#include <optional>
 
 #include "album/album_layout.h"
 #include "libgr/image/pixel_operations.h"
@@ -67,9 +66,9 @@ void copy_row(guint8* to, const unsigned char* from, uint32_t width, bool gray) 
     }
 }
 
-// A preview of a JPEG file, turned by its orientation or else by `asked`. Only where the user asked for a turn a whole
-// picture is turned, too.
-bool load_preview(libgr::image2d_t& image, const std::string& path, std::optional<unsigned long> asked) {
+}  // namespace
+
+bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
     libgr::jpegdata_t data;
     if (!is_photo(path) || !load_file(data, path)) {
         return false;
@@ -80,31 +79,20 @@ bool load_preview(libgr::image2d_t& image, const std::string& path, std::optiona
         return false;
     }
     read_exif(header);
-    const unsigned long turns = header.orientation_value ? quarter_turns(header.orientation()) : asked.value_or(0);
     if (!header.thumbnail.empty()) {
         if (header.orientation_value) {
             talolib::trace(std::cerr, "orientation: ", *header.orientation_value);
         }
         data.setvector(header.thumbnail, path.c_str());
-        return decode(image, data, path, ": thumbnail decompress() failed.") && turn(image, turns, path);
+        return decode(image, data, path, ": thumbnail decompress() failed.") &&
+               turn(image, quarter_turns(header.orientation()), path);
     }
     if (!decode(image, data, path,
                 header.app1().empty() ? ": thumbnail decompress() failed." : ": original decompress() failed.")) {
         return false;
     }
     halve_to_preview(image);
-    return !asked || turn(image, turns, path);
-}
-
-}  // namespace
-
-bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
-    return load_preview(image, path, std::nullopt);
-}
-
-bool load_updated_preview(libgr::image2d_t& image, const std::string& album, const std::string& name,
-                          unsigned long count) {
-    return load_preview(image, original_path(album, name), count);
+    return true;
 }
 
 bool load_jpeg(libgr::image2d_t& image, const std::string& path) {
@@ -141,6 +129,16 @@ Glib::RefPtr<Gdk::Pixbuf> convert_to_pixbuf(const libgr::image2d_t& image) {
         copy_row(pixels->get_pixels() + stride * y, image.pixel(0, window.height - 1 - y), window.width, gray);
     }
     return pixels;
+}
+
+Glib::RefPtr<Gdk::Pixbuf> fit_into(const Glib::RefPtr<Gdk::Pixbuf>& pixels, int width, int height) {
+    const double scale =
+        std::min(static_cast<double>(width) / pixels->get_width(), static_cast<double>(height) / pixels->get_height());
+    if (scale >= 1) {
+        return pixels;
+    }
+    const auto scaled = [scale](int length) { return std::max(1, static_cast<int>(length * scale)); };
+    return pixels->scale_simple(scaled(pixels->get_width()), scaled(pixels->get_height()), Gdk::INTERP_BILINEAR);
 }
 
 }  // namespace taloram

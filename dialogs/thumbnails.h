@@ -22,13 +22,11 @@ namespace taloram {
 [[nodiscard]] bool load_exifthumbnail_or_thumbdir(libgr::image2d_t& image, const std::string& album,
                                                   const std::string& name);
 
-// A preview of what an update makes of an album's photograph that the user turns by `count` quarter turns (1 to 3): of
-// its original, turned by what the camera knew of its orientation where it knew any, else by `count`.
-[[nodiscard]] bool load_updated_preview(libgr::image2d_t& image, const std::string& album, const std::string& name,
-                                        unsigned long count);
-
 // The picture right way up in a pixel buffer of its own. Grayscale is shown in gray; an empty picture, or one of any
 // other layout than 8-bit RGB, gives a null pointer.
 [[nodiscard]] Glib::RefPtr<Gdk::Pixbuf> convert_to_pixbuf(const libgr::image2d_t& image);
+
+// Thumbnails come in many sizes: one that is larger than width x height pixels is made smaller, for equal rows.
+[[nodiscard]] Glib::RefPtr<Gdk::Pixbuf> fit_into(const Glib::RefPtr<Gdk::Pixbuf>& pixels, int width, int height);
 
 }  // namespace taloram

@@ -4,6 +4,7 @@
 #include <glibmm/markup.h>
 
 #include <algorithm>
+#include <chrono>
 #include <list>
 #include <set>
 
@@ -12,6 +13,7 @@
 #include "dialogs/browser.h"
 #include "dialogs/message_box.h"
 #include "dialogs/text_input_dialog.h"
+#include "libutils/diagnostics.h"
 #include "libutils/directory.h"
 #include "toolkit/text_encoding.h"
 
@@ -22,23 +24,25 @@ namespace {
 constexpr int gap = 6;           // pixels between widgets
 constexpr int side_width = 240;  // pixels, of the panel beside the large picture
 constexpr double pan_step = 80;  // pixels
+constexpr std::chrono::milliseconds patience{300};
 
-// A photograph that lost its thumbnail still belongs to the album.
-std::vector<std::string> list_photos(const std::string& album) {
-    std::set<std::string> photos;
-    for (const char* directory : {layout::thumb, layout::original}) {
+// The sorted names of one kind in directories of the album. An album need not have the directories, but one that can't
+// be read to its end makes what is found no album: it is reported, and named in `unread`.
+std::vector<std::string> list_names(const std::string& album, std::initializer_list<const char*> directories,
+                                    bool (*is_wanted)(const std::string&), Glib::ustring& unread) {
+    std::set<std::string> found;
+    for (const char* directory : directories) {
         std::list<std::string> names;
-        static_cast<void>(libutils::getfiles(names, entry_path(album, directory).c_str()));
-        std::copy_if(names.begin(), names.end(), std::inserter(photos, photos.end()), is_photo);
+        const std::string path = entry_path(album, directory);
+        if (const std::error_code error = libutils::list_files(names, path); error && !libutils::is_absent(error)) {
+            const std::string line = path + ": " + error.message();
+            libutils::report(line);
+            unread = to_toolkit(line);
+            return {};
+        }
+        std::copy_if(names.begin(), names.end(), std::inserter(found, found.end()), is_wanted);
     }
-    return {photos.begin(), photos.end()};
-}
-
-std::list<std::string> list_movies(const std::string& album) {
-    std::list<std::string> movies;
-    static_cast<void>(libutils::getfiles(movies, entry_path(album, layout::movie).c_str()));
-    movies.remove_if([](const std::string& name) { return !is_movie(name); });
-    return movies;
+    return {found.begin(), found.end()};
 }
 
 // Text beside the large picture.
@@ -55,9 +59,15 @@ void make_side_text(Gtk::Label& label) {
 
 ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
                                  const std::string& /*program_directory*/)
-    : Gtk::Dialog("", parent, true), album_(album), names_(list_photos(album)) {
+    : Gtk::Dialog("", parent, true), album_(album), progress_(*this) {
     make_viewer_window(*this, parent, 1180, 700);
     static_cast<void>(end_begun_turns(album));
+    // A photograph that lost its thumbnail still belongs to the album.
+    names_ = list_names(album_, {layout::thumb, layout::original}, &is_photo, unread_);
+    movie_names_ = list_names(album_, {layout::movie}, &is_movie, unread_);
+    if (!unread_.empty()) {
+        names_.clear();
+    }
     texts_.load(album);
     set_title(texts_.title.get_text());
     make_overview();
@@ -93,7 +103,8 @@ void ViewAlbumDialog::make_overview() {
     overview_.pack_start(scrolled_text(texts_.head), Gtk::PACK_SHRINK);
     make_movies();
     if (names_.empty()) {
-        empty_.set_text(message_text(msg_no_photos));
+        empty_.set_text(unread_.empty() ? message_text(msg_no_photos)
+                                        : message_text(msg_album_unreadable) + "\n" + unread_);
         empty_.set_line_wrap();
         overview_.pack_start(empty_);
     } else {
@@ -103,7 +114,7 @@ void ViewAlbumDialog::make_overview() {
 }
 
 void ViewAlbumDialog::make_movies() {
-    for (const std::string& movie : list_movies(album_)) {
+    for (const std::string& movie : movie_names_) {
         movies_.push_back(std::make_unique<Gtk::Button>(to_toolkit(movie)));
         Gtk::Button& button = *movies_.back();
         button.set_image_from_icon_name("video-x-generic", Gtk::ICON_SIZE_BUTTON);
@@ -228,8 +239,18 @@ void ViewAlbumDialog::show_comment() {
 
 void ViewAlbumDialog::turn(unsigned long count) {
     const std::string& name = names_[view_.index()];
-    progress_signals_t unseen;
-    const turned_t turned = turn_photos(album_, {name}, count, unseen);
+    // A large photograph, or the pages of a large album, take their time.
+    const Glib::RefPtr<Gdk::Window> window = get_window();
+    if (window) {
+        window->set_cursor(Gdk::Cursor::create(get_display(), Gdk::WATCH));
+        get_display()->flush();
+    }
+    progress_.begin(to_toolkit(name), patience);
+    const turned_t turned = turn_photos(album_, {name}, count, progress_.signals());
+    progress_.end();
+    if (window) {
+        window->set_cursor();
+    }
     view_.reload();
     grid_.reload(view_.index());
     if (turned != turned_t::all) {

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "dialogs/photo_view.h"
+#include "dialogs/progress_window.h"
 #include "dialogs/thumbnail_grid.h"
 #include "dialogs/viewer_parts.h"
 #include "settings/message.h"
@@ -49,6 +50,8 @@ class ViewAlbumDialog : public Gtk::Dialog {
 
     std::string album_;
     std::vector<std::string> names_;  // the photographs
+    std::vector<std::string> movie_names_;
+    Glib::ustring unread_;  // the directory that can't be listed, and why
     bool full_screen_ = false;
     std::string letters_;  // mnemonics taken
 
@@ -84,6 +87,7 @@ class ViewAlbumDialog : public Gtk::Dialog {
     Gtk::Button right_button_;
     Gtk::Button page_button_;
     Gtk::Button close_button_;
+    progress_window_t progress_;
 };
 
 }  // namespace taloram

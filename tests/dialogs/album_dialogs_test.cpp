@@ -6,7 +6,9 @@
 
 #include "album/import.h"
 #include "dialogs/edit_album_dialog.h"
+#include "dialogs/edit_book_dialog.h"
 #include "dialogs/make_album_dialog.h"
+#include "dialogs/view_album_dialog.h"
 #include "settings/settings.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
@@ -122,15 +124,38 @@ TEST(MakeAlbumDialog, many_photographs_have_few_widgets) {
     ASSERT_EQ(count - 1, chosen.size());
     EXPECT_EQ("102.JPG", chosen[1].filename);
     EXPECT_FALSE(dynamic_cast<Gtk::ToggleButton&>(*find_button(dialog, "101.JPG")).get_active());
+}
 
-    // A refused answer leaves the dialog as it is, and it goes on listing.
-    dialog.response(Gtk::RESPONSE_OK);
+// A refused answer leaves the dialog as it is, and it goes on listing. The name is one for this system's directories.
+TEST(MakeAlbumDialog, is_answered_again) {
+    const temp_dir_t book;
+    const temp_dir_t card;
     const temp_dir_t other;
-    write_file(other / "only.JPG", make_camera_jpeg({}, 1, true));
-    find_all<Gtk::Entry>(dialog).at(0)->set_text(other.path());
-    EXPECT_TRUE(dialog.leave_from(nullptr));
-    click(dialog, "only.JPG");
-    EXPECT_EQ(1U, dialog.selected_files().size());
+    write_file(card / "old.JPG", make_jpeg({}));
+    write_file(other / "new.JPG", make_jpeg({}));
+    mkdir((book / "txt").c_str(), 0755);
+    write_file(book / "txt/head.txt", std::string("B\r\nB\r\n"));
+    g_global.from = card.path();
+    Gtk::Window window;
+    on_next_dialog([](Gtk::Dialog& editor) { click(editor, "New Album"); });
+    on_next_dialog(
+        [](Gtk::Dialog& maker) { click(maker, "Update List"), click(maker, "old.JPG"), click(maker, "OK"); });
+    answer_next("Please enter a title.", "OK");
+    on_next_dialog([&](Gtk::Dialog& maker) {
+        const auto entries = find_all<Gtk::Entry>(maker);
+        entries[0]->set_text(other.path());
+        g_signal_emit_by_name(entries[0]->gobj(), "activate");
+        click(maker, "new.JPG");
+        entries[1]->set_text("a\\b");
+        entries.back()->set_text("Title");
+        click(maker, "OK");
+    });
+    on_next_dialog([](Gtk::Dialog& editor) { click(editor, "Cancel"); });
+    edit_book(window, book.path());
+    EXPECT_TRUE(all_answered());
+    EXPECT_EQ(read_file(other / "new.JPG"), read_file(book / "a\\b/original/new.JPG"));
+    const blob_t page = read_file(book / "index.html");
+    EXPECT_NE(std::string::npos, std::string(page.begin(), page.end()).find("a\\b"));
 }
 
 struct album_t {
@@ -151,7 +176,7 @@ TEST(EditAlbumDialog, saves_texts_comments_and_turns) {
     album_t album;
     EditAlbumDialog dialog(album.window, album.dir.path());
     find_all<Gtk::SpinButton>(dialog).at(0)->set_value(90);
-    EXPECT_EQ(std::pair(48, 64), picture_size(dialog));
+    EXPECT_EQ(std::pair(12, 16), picture_size(dialog));
     find_all<Gtk::Entry>(dialog).at(0)->set_text("New");
     on_next_dialog([](Gtk::Dialog& box) { click(box, "P.JPG"), click(box, "OK"); });
     on_next_dialog([](Gtk::Dialog& box) {
@@ -172,7 +197,7 @@ TEST(EditAlbumDialog, saves_texts_comments_and_turns) {
         spinner->set_value(90);
     }
     EXPECT_EQ(std::pair(64, 48), picture_size(again, 0)) << "Q.JPG";
-    EXPECT_EQ(std::pair(48, 64), picture_size(again, 1)) << "P.JPG";
+    EXPECT_EQ(std::pair(12, 16), picture_size(again, 1)) << "P.JPG";
 }
 
 TEST(EditAlbumDialog, without_a_title_the_album_is_updated_all_the_same) {
@@ -212,6 +237,28 @@ TEST(EditAlbumDialog, what_can_not_be_read_is_named_and_stays) {
     EXPECT_EQ(Gtk::RESPONSE_OK, dialog.run());
     EXPECT_TRUE(all_answered());
     EXPECT_EQ('T', read_file(head).at(0)) << "readable again, but nobody saw it";
+}
+
+// A listing that fails, here at a link that leads to itself, is told and shows nothing.
+TEST(AlbumDialogs, what_can_not_be_listed_is_not_shown) {
+    album_t album;
+    MakeAlbumDialog maker(album.window, album.dir / "original", album.dir.path());
+    click(maker, "Update List");
+    click(maker, "P.JPG");
+    EXPECT_EQ(1U, maker.selected_files().size());
+    rename((album.dir / "original").c_str(), (album.dir / "kept").c_str());
+    ASSERT_EQ(0, symlink("original", (album.dir / "original").c_str()));
+    EXPECT_FALSE(maker.leave_from(nullptr));
+    EXPECT_TRUE(maker.selected_files().empty() && find_button(maker, "P.JPG") == nullptr);
+    EXPECT_TRUE(shows_text(maker, message_text(msg_source_unreadable)));
+
+    static_cast<void>(stderr_of([&] {
+        EditAlbumDialog editor(album.window, album.dir.path());
+        EXPECT_TRUE(shows_lines(editor, message_text(msg_album_unreadable)) && editor.selected_files().empty());
+        ViewAlbumDialog viewer(album.window, album.dir.path(), "");
+        EXPECT_TRUE(shows_lines(viewer, message_text(msg_album_unreadable)));
+        EXPECT_FALSE(shows_text(viewer, "P.JPG")) << "its thumbnail is there";
+    }));
 }
 
 TEST(EditAlbumDialog, no_originals) {

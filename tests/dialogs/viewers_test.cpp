@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "album/import.h"
 #include "dialogs/view_album_dialog.h"
@@ -71,6 +72,45 @@ TEST(ViewAlbumDialog, shows_moves_and_turns) {
     EXPECT_EQ(read_file(book.dir / camera), read_file(book.album + "/original/" + camera));
     press_key(dialog, GDK_KEY_Escape);
     EXPECT_TRUE(dialog.get_visible() && !view.get_mapped()) << "back among the thumbnails";
+}
+
+TEST(ViewAlbumDialog, many_photographs_have_few_widgets) {
+    const temp_dir_t album;
+    mkdir((album / "thumb").c_str(), 0755);
+    write_file(album / "thumb/100.jpg", make_jpeg({}));
+    for (int i = 101; i < 500; ++i) {
+        link((album / "thumb/100.jpg").c_str(), (album / "thumb/" + std::to_string(i) + ".jpg").c_str());
+    }
+    Gtk::Window window;
+    ViewAlbumDialog dialog(window, album.path(), "");
+    dialog.show();
+    const auto focused = [&] {
+        settle();
+        return dialog.get_focus() == nullptr ? Glib::ustring() : dialog.get_focus()->get_accessible()->get_name();
+    };
+    wait_until([&] { return find_button(dialog, "108.jpg") != nullptr; });
+    EXPECT_EQ(nullptr, find_button(dialog, "499.jpg"));
+    struct step_t {
+        guint key;
+        const char* photo;  // that has the focus afterwards, five in a row
+    };
+    for (const step_t& step : {step_t{GDK_KEY_Left, "100.jpg"},
+                               {GDK_KEY_Down, "105.jpg"},
+                               {GDK_KEY_Right, "106.jpg"},
+                               {GDK_KEY_Up, "101.jpg"},
+                               {GDK_KEY_End, "499.jpg"},
+                               {GDK_KEY_Down, "499.jpg"},
+                               {GDK_KEY_Home, "100.jpg"},
+                               {GDK_KEY_Page_Down, "110.jpg"}}) {
+        press_key(dialog, step.key);
+        EXPECT_EQ(step.photo, focused());
+    }
+    EXPECT_EQ(nullptr, find_button(dialog, "499.jpg")) << "scrolled away";
+    press_key(dialog, GDK_KEY_Return);
+    EXPECT_TRUE(shows_text(dialog, "11 / 400"));
+    press_key(dialog, GDK_KEY_End);
+    press_key(dialog, GDK_KEY_Escape);
+    EXPECT_EQ("499.jpg", focused());
 }
 
 TEST(UprightPhoto, every_orientation) {
