@@ -306,7 +306,8 @@ void scrolled_grid_t::measure() {
         }
     }
     const auto height_of_rows = [this](size_t rows) {
-        return static_cast<int>(std::min<size_t>(rows * static_cast<size_t>(row_height_), G_MAXINT / 4));
+        const size_t height = std::min<size_t>(rows * static_cast<size_t>(row_height_), G_MAXINT / 4);
+        return height == 0 ? -1 : static_cast<int>(height);  // the toolkit makes a pixel of 0
     };
     above_.set_size_request(-1, height_of_rows(attached_.first));
     below_.set_size_request(-1, height_of_rows(row_count() - attached_.last));
