@@ -29,7 +29,7 @@ enum class rename_result_t {
 [[nodiscard]] bool remove_tree(const std::string& path);
 
 // Runs the viewer's script talovue3.mac of the program directory on a directory of images. False when there is no such
-// script.
+// script, or no viewer beside it.
 [[nodiscard]] bool run_viewer(const std::string& program_directory, const std::string& images);
 
 }  // namespace taloram

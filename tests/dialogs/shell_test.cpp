@@ -54,6 +54,11 @@ TEST(ShellCommand, ProgramsGetExactlyThePath) {
         }
     }
     EXPECT_FALSE(run_viewer(dir / "none/", "/a"));
+    fs::create_directory(dir / "alone");
+    fs::copy_file(TALORAM_CATALOGUES "/../viewer/talovue3.mac", dir / "alone/talovue3.mac");
+    for (const char* page : {"/a", "/a b"}) {
+        EXPECT_NE(stderr_of([&] { EXPECT_FALSE(run_viewer(dir / "alone/", page)); }), "") << "no viewer beside it";
+    }
     write_file(dir / "open", std::string("#!/bin/sh\nexit 1\n"));
     EXPECT_FALSE(open_in_safari("/a"));
     EXPECT_FALSE(open_in_safari("/a b"));
