@@ -5,7 +5,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 #include <list>
+#include <set>
 #include <string_view>
 
 #include "libutils/directory.h"
@@ -65,6 +67,21 @@ bool is_plain_name(const std::string& filename) {
            filename.find_first_of(ends_a_name) == std::string::npos;
 }
 
+std::error_code list_photos(std::vector<std::string>& photos, const std::string& album) {
+    std::set<std::string> found;
+    std::error_code failure;
+    for (const char* directory : {layout::thumb, layout::original}) {
+        std::list<std::string> names;
+        const std::error_code error = libutils::list_files(names, entry_path(album, directory));
+        if (error && !failure && !libutils::is_absent(error)) {
+            failure = error;
+        }
+        std::copy_if(names.begin(), names.end(), std::inserter(found, found.end()), is_photo);
+    }
+    photos.assign(found.begin(), found.end());
+    return failure;
+}
+
 std::string entry_path(const std::string& directory, const std::string& name) {
     return directory.empty() ? name : directory + "/" + name;
 }
@@ -94,6 +111,15 @@ std::string zoom_page_name(const std::string& photo, unsigned long level) {
 
 std::string level_name(unsigned long level) {
     return "size" + std::to_string(level);
+}
+
+bool is_level_name(const std::string& name) {
+    for (unsigned long level = 0; level <= highest_top_level; ++level) {
+        if (name == level_name(level)) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::vector<std::string> level_directories(const std::string& album, unsigned long top) {

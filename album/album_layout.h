@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <system_error>
 #include <vector>
 
 // Where everything lies in an album directory:
@@ -65,6 +66,10 @@ constexpr unsigned long highest_top_level = 16;
 // True when `filename` names an entry of a directory rather than a way out of it.
 [[nodiscard]] bool is_plain_name(const std::string& filename);
 
+// The photographs of an album in the order of its pages, by the bytes of their names, with those that lost their
+// thumbnail. The first reason why a directory of them that is there can't be listed; `photos` holds the others' then.
+[[nodiscard]] std::error_code list_photos(std::vector<std::string>& photos, const std::string& album);
+
 // What is called `name` in an album, a book or one of their directories; in "", the current directory, the bare name.
 [[nodiscard]] std::string entry_path(const std::string& directory, const std::string& name);
 
@@ -80,6 +85,9 @@ constexpr unsigned long highest_top_level = 16;
 
 // "size" and the level in decimal.
 [[nodiscard]] std::string level_name(unsigned long level);
+
+// True for the name of a level that a photograph can have.
+[[nodiscard]] bool is_level_name(const std::string& name);
 
 // The directories in `album` of a photograph with top level `top`: size0 to size<top>, then thumb. Of "" they are the
 // names that links use.

@@ -21,6 +21,13 @@ std::optional<photo_size_t> read_photo_size(const std::string& path, libgr::jpeg
     return size;
 }
 
+size_t wanted_size(const std::vector<photo_size_t>& sizes, double width) {
+    const auto found = std::find_if(sizes.begin(), sizes.end(), [width](const photo_size_t& size) {
+        return static_cast<double>(size.width) + 1 >= width;
+    });
+    return std::min(static_cast<size_t>(found - sizes.begin()), sizes.size() - 1);
+}
+
 std::vector<photo_size_t> list_photo_sizes(const std::string& album, const std::string& name, uint64_t longest_side) {
     std::vector<photo_size_t> sizes;
     const auto append = [&](const std::string& path) {

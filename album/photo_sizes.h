@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -23,6 +24,10 @@ struct photo_size_t {
 
 // What the file `path`, which is `data`, shows; nothing when its header can't be read, which is reported.
 [[nodiscard]] std::optional<photo_size_t> read_photo_size(const std::string& path, libgr::jpegdata_t& data);
+
+// Index of the smallest of `sizes`, which are sorted and at least one, that has `width` pixels across, but for the odd
+// column that halving drops; of the largest when none has.
+[[nodiscard]] size_t wanted_size(const std::vector<photo_size_t>& sizes, double width);
 
 // The readable sizes of a photograph, the smallest first, none with a side of more than `longest_side` pixels. Where
 // the album has none, its original, else its thumbnail. Empty when nothing can be read.

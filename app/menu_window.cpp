@@ -248,8 +248,15 @@ void MenuWindow::on_btn_clicked_itembutton(size_t index) {
 }
 
 void MenuWindow::on_btn_clicked_talovue3(size_t index) {
-    const std::string images = entry_path(items_[index].path, level_name(1));
-    if (is_exist(images) && !run_viewer(program_directory_, images)) {
+    const std::string& album = items_[index].path;
+    // An album of small photographs only has no such size, and the viewer is given the album's own directory.
+    const std::string size = entry_path(album, level_name(1));
+    const std::string images = is_exist(size) ? size : album;
+    std::vector<std::string> photos;
+    if (images != size) {
+        static_cast<void>(list_photos(photos, album));
+    }
+    if ((images == size || !photos.empty()) && !run_viewer(program_directory_, images)) {
         show_error(*this, msg_no_viewer);
     }
     raise_window(*this);

@@ -78,15 +78,6 @@ void photo_view_t::photo_t::measure() {
     }
 }
 
-size_t photo_view_t::wanted_size(const photo_t& photo, double zoom) {
-    const double width = photo.picture.width * zoom;
-    // Halving drops an odd column, at most one pixel of the result.
-    const auto found = std::find_if(photo.sizes.begin(), photo.sizes.end(), [width](const photo_size_t& size) {
-        return static_cast<double>(size.width) + 1 >= width;
-    });
-    return std::min(static_cast<size_t>(found - photo.sizes.begin()), photo.sizes.size() - 1);
-}
-
 const photo_view_t::photo_t& photo_view_t::decode(size_t index) {
     const auto [entry, is_new] = photos_.try_emplace(index);
     photo_t& photo = entry->second;
@@ -102,7 +93,7 @@ const photo_view_t::photo_t& photo_view_t::decode(size_t index) {
 
 void photo_view_t::decode_size(photo_t& photo, double zoom) {
     while (!photo.sizes.empty()) {
-        const size_t wanted = wanted_size(photo, zoom);
+        const size_t wanted = wanted_size(photo.sizes, photo.picture.width * zoom);
         if (const auto picture = load_upright(photo.sizes[wanted])) {
             photo.picture.pixels = picture;
             photo.decoded = wanted;
@@ -121,7 +112,8 @@ void photo_view_t::decode_size(photo_t& photo, double zoom) {
 
 // One step a call, so that keys and redraws come in between.
 bool photo_view_t::work_ahead() {
-    if (const photo_t* const photo = current(); photo != nullptr && wanted_size(*photo, zoom()) != photo->decoded) {
+    if (const photo_t* const photo = current();
+        photo != nullptr && wanted_size(photo->sizes, photo->picture.width * zoom()) != photo->decoded) {
         decode_size(photos_[index_], zoom());
         queue_draw();
         return true;

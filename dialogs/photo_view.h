@@ -50,7 +50,6 @@ class photo_view_t : public picture_area_t {
     };
 
     [[nodiscard]] const photo_t* current() const;
-    [[nodiscard]] static size_t wanted_size(const photo_t& photo, double zoom);
     // Looks a photograph up, or finds its files and decodes it for the widget.
     const photo_t& decode(size_t index);
     static void decode_size(photo_t& photo, double zoom);

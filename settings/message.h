@@ -104,7 +104,8 @@ enum e_message_local_t : talolib::e_message_t {
     msg_text_unreadable = 107,  // followed by what was reported
     // books' windows: 108 to 118
     msg_reserved_119 = 119,
-    // the viewer: 120 to 124
+    msg_photo_damaged = 120,
+    // the viewer: 121 to 124
     msg_reserved_125 = 125,
     msg_names_clash = 126,      // names, two a line, follow
     msg_wait_for_writer = 127,  // a question; the answer may be to stop waiting

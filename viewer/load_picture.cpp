@@ -8,12 +8,16 @@
 #include <cmath>
 #include <cstring>
 #include <exception>
+#include <limits>
+#include <optional>
 #include <utility>
+#include <vector>
 
+#include "album/album_layout.h"
+#include "album/photo_sizes.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "settings/message.h"
 #include "shooting_data/exif_summary.h"
-#include "shooting_data/photo_header.h"
 
 namespace talovue {
 
@@ -26,13 +30,15 @@ double fitting_zoom(const loaded_picture_t& picture, const picture_request_t& re
     return std::min({1.0, request.width / picture.width, request.height / picture.height});
 }
 
-// The smallest scale that libjpeg decodes at and that is enough for `zoom`.
-unsigned wanted_eighths(const loaded_picture_t& picture, double zoom) {
+// The smallest scale that libjpeg decodes at and that gives a file `width` pixels across.
+unsigned wanted_eighths(const taloram::photo_size_t& file, double width) {
+    const auto file_width = static_cast<double>(file.width);
+    const auto file_height = static_cast<double>(file.height);
     const double room =
-        std::min(std::sqrt(most_pixels / (picture.width * picture.height)),
-                 static_cast<double>(taloram::longest_surface_side) / std::max(picture.width, picture.height));
+        std::min(std::sqrt(most_pixels / (file_width * file_height)),
+                 static_cast<double>(taloram::longest_surface_side) / std::max(file_width, file_height));
     const auto most = static_cast<unsigned>(std::clamp(std::floor(whole * room), 1.0, double{whole}));
-    return std::min(most, static_cast<unsigned>(std::clamp(std::ceil(whole * zoom), 1.0, double{whole})));
+    return std::min(most, static_cast<unsigned>(std::clamp(std::ceil(whole * width / file_width), 1.0, double{whole})));
 }
 
 // In the loader's own thread: drawing here leaves the window free, and what comes out needs no more of it.
@@ -76,43 +82,89 @@ std::string reason_not_to_open(const std::string& path, uint64_t& bytes) {
     return "";
 }
 
-std::string load(loaded_picture_t& picture, const picture_request_t& request) {
-    if (std::string reason = reason_not_to_open(request.path, picture.file_bytes); !reason.empty()) {
-        return reason;
-    }
-    libgr::jpegdata_t data;
+std::string open_file(libgr::jpegdata_t& data, const std::string& path) {
     errno = 0;
-    if (!data.load(request.path.c_str())) {
-        return errno == 0 || errno == EINVAL ? taloram::getmsg(taloram::msg_not_a_photo) : std::strerror(errno);
+    if (data.load(path.c_str())) {
+        return "";
     }
-    taloram::photo_header_t header;
-    if (!taloram::read_photo_header(header, data) || header.width == 0 || header.height == 0) {
-        return taloram::getmsg(taloram::msg_not_a_photo);
-    }
-    taloram::read_exif(header);
-    picture.width = static_cast<double>(header.width);
-    picture.height = static_cast<double>(header.height);
-    if (taloram::swaps_sides(header.orientation())) {
-        std::swap(picture.width, picture.height);
-    }
-    const double fitting = fitting_zoom(picture, request);
+    return errno == 0 || errno == EINVAL ? taloram::getmsg(taloram::msg_not_a_photo) : std::strerror(errno);
+}
+
+void set_full_size(loaded_picture_t& picture, const taloram::photo_size_t& size) {
+    picture.width = static_cast<double>(size.width);
+    picture.height = static_cast<double>(size.height);
+}
+
+double wanted_width(const loaded_picture_t& picture, const picture_request_t& request) {
+    return picture.width * (request.zoom > 0 ? request.zoom : fitting_zoom(picture, request));
+}
+
+std::string decode(loaded_picture_t& picture, const picture_request_t& request, const taloram::photo_size_t& file,
+                   libgr::jpegdata_t& data) {
     libgr::jpeginfo_t info;
     libgr::image2d_t image;
-    const unsigned eighths = wanted_eighths(picture, request.zoom > 0 ? request.zoom : fitting);
-    if (!info.decompress_scaled(image, data, eighths) ||
-        !taloram::make_upright(picture.pixels, image, header.orientation())) {
+    if (!info.decompress_scaled(image, data, wanted_eighths(file, wanted_width(picture, request))) ||
+        !taloram::make_upright(picture.pixels, image, file.orientation)) {
         return taloram::getmsg(data.is_intact() ? taloram::msg_photo_too_much : taloram::msg_not_a_photo);
     }
+    picture.damaged = info.damaged;
     image.clear();
     if (request.zoom > 0) {
         return "";
     }
+    const double fitting = fitting_zoom(picture, request);
     const auto fitted = [fitting](double side) { return std::max(1, static_cast<int>(std::lround(side * fitting))); };
     if (!scale_down(picture.pixels, fitted(picture.width), fitted(picture.height))) {
         return taloram::getmsg(taloram::msg_photo_too_much);
     }
-    picture.summary = taloram::plain_summary(request.path);
+    const std::string& path = request.picture.path;
+    picture.summary = taloram::plain_summary(taloram::is_exist(path) ? path : file.path);
     return "";
+}
+
+std::string load_file(loaded_picture_t& picture, const picture_request_t& request) {
+    const std::string& path = request.picture.path;
+    if (std::string reason = reason_not_to_open(path, picture.file_bytes); !reason.empty()) {
+        return reason;
+    }
+    libgr::jpegdata_t data;
+    if (std::string reason = open_file(data, path); !reason.empty()) {
+        return reason;
+    }
+    const std::optional<taloram::photo_size_t> size = taloram::read_photo_size(path, data);
+    if (!size) {
+        return taloram::getmsg(taloram::msg_not_a_photo);
+    }
+    set_full_size(picture, *size);
+    return decode(picture, request, *size, data);
+}
+
+// Another size of a photograph with one broken file is still worth seeing.
+std::string load_from_album(loaded_picture_t& picture, const picture_request_t& request) {
+    constexpr uint64_t any_side = std::numeric_limits<uint64_t>::max();
+    std::vector<taloram::photo_size_t> sizes =
+        taloram::list_photo_sizes(request.picture.album, request.picture.name(), any_side);
+    if (sizes.empty()) {
+        std::string reason = reason_not_to_open(request.picture.path, picture.file_bytes);
+        return reason.empty() ? taloram::getmsg(taloram::msg_not_a_photo) : reason;
+    }
+    set_full_size(picture, sizes.back());
+    static_cast<void>(reason_not_to_open(sizes.back().path, picture.file_bytes));
+    std::string first_reason;
+    while (!sizes.empty()) {
+        const size_t wanted = taloram::wanted_size(sizes, wanted_width(picture, request));
+        libgr::jpegdata_t data;
+        std::string reason = open_file(data, sizes[wanted].path);
+        if (reason.empty()) {
+            reason = decode(picture, request, sizes[wanted], data);
+        }
+        if (reason.empty()) {
+            return "";
+        }
+        first_reason = first_reason.empty() ? std::move(reason) : first_reason;
+        sizes.erase(sizes.begin() + static_cast<std::ptrdiff_t>(wanted));
+    }
+    return first_reason;
 }
 
 }  // namespace
@@ -120,7 +172,8 @@ std::string load(loaded_picture_t& picture, const picture_request_t& request) {
 loaded_picture_t load_picture(const picture_request_t& request) {
     loaded_picture_t picture;
     try {
-        picture.failure = load(picture, request);
+        picture.failure =
+            request.picture.album.empty() ? load_file(picture, request) : load_from_album(picture, request);
     } catch (const std::exception&) {
         picture.failure = taloram::getmsg(taloram::msg_photo_too_much);
     }

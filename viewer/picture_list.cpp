@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <list>
 
+#include "album/album_layout.h"
 #include "libutils/directory.h"
 #include "libutils/path.h"
 #include "libutils/system_path.h"
@@ -17,15 +18,48 @@ bool is_shown(const std::string& name) {
 }
 
 // `directory` is "" or ends with a separator.
-bool append_directory(std::vector<std::string>& paths, const std::string& directory) {
+bool append_files(std::vector<picture_t>& pictures, const std::string& directory) {
     std::list<std::string> names;
     if (!libutils::getfiles(names, directory.c_str())) {
         return false;
     }
     for (const std::string& name : names) {
         if (is_shown(name)) {
-            paths.push_back(directory + name);
+            pictures.push_back({directory + name});
         }
+    }
+    return true;
+}
+
+// False, with nothing appended, when `directory` is no album or has no photographs. Where originals are kept from this
+// user the thumbnails still tell them.
+bool append_album(std::vector<picture_t>& pictures, const std::string& directory) {
+    if (!taloram::is_album(directory)) {
+        return false;
+    }
+    std::vector<std::string> photos;
+    static_cast<void>(taloram::list_photos(photos, directory));
+    for (const std::string& photo : photos) {
+        pictures.push_back({taloram::original_path(directory, photo), directory});
+    }
+    return !photos.empty();
+}
+
+// Small photographs have no file in the higher sizes, so that a size alone is not what its album shows.
+bool append_directory(std::vector<picture_t>& pictures, const std::string& argument) {
+    const std::string directory = libutils::strip_trailing_slash(argument);
+    if (taloram::is_level_name(libutils::directory_name(directory))) {
+        const std::string parent = libutils::parent_directory(directory);
+        if (append_album(pictures, parent.empty() ? "." : parent)) {
+            return true;
+        }
+    }
+    const size_t before = pictures.size();
+    if (!append_files(pictures, argument.ends_with('/') ? argument : argument + "/")) {
+        return false;
+    }
+    if (pictures.size() == before) {
+        static_cast<void>(append_album(pictures, directory));
     }
     return true;
 }
@@ -33,11 +67,12 @@ bool append_directory(std::vector<std::string>& paths, const std::string& direct
 // A file that can't be listed with its directory is still shown by itself.
 picture_list_t list_around(const std::string& file) {
     picture_list_t list;
-    static_cast<void>(append_directory(list.paths, libutils::directory_part(file)));
-    const auto place = std::lower_bound(list.paths.begin(), list.paths.end(), file);
-    list.first = static_cast<size_t>(place - list.paths.begin());
-    if (place == list.paths.end() || *place != file) {
-        list.paths.insert(place, file);
+    std::vector<picture_t>& files = list.pictures;
+    static_cast<void>(append_files(files, libutils::directory_part(file)));
+    const auto place = std::ranges::lower_bound(files, file, {}, &picture_t::path);
+    list.first = static_cast<size_t>(place - files.begin());
+    if (place == files.end() || place->path != file) {
+        files.insert(place, {file});
     }
     return list;
 }
@@ -55,9 +90,9 @@ bool list_pictures(picture_list_t& list, const std::vector<std::string>& argumen
             if (arguments.size() == 1) {
                 found = list_around(argument);
             } else {
-                found.paths.push_back(argument);
+                found.pictures.push_back({argument});
             }
-        } else if (!append_directory(found.paths, argument.ends_with('/') ? argument : argument + "/")) {
+        } else if (!append_directory(found.pictures, argument)) {
             problem = argument + ": can't be read.";
             return false;
         }

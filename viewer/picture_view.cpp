@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "libutils/system_path.h"
 #include "toolkit/text_encoding.h"
 
 namespace talovue {
@@ -27,8 +26,8 @@ picture_view_t::picture_view_t() {
     property_scale_factor().signal_changed().connect(sigc::mem_fun(*this, &picture_view_t::plan));
 }
 
-void picture_view_t::set_pictures(std::vector<std::string> paths, size_t first) {
-    paths_ = std::move(paths);
+void picture_view_t::set_pictures(std::vector<picture_t> pictures, size_t first) {
+    pictures_ = std::move(pictures);
     entries_.clear();
     turns_.clear();
     index_ = 0;
@@ -39,7 +38,7 @@ void picture_view_t::show_picture(size_t index) {
     if (const taloram::shown_picture_t* const before = shown()) {
         leaving_ = *before;
     }
-    index = std::min(index, std::max(paths_.size(), size_t{1}) - 1);
+    index = std::min(index, std::max(pictures_.size(), size_t{1}) - 1);
     forwards_ = index >= index_;
     index_ = index;
     for (auto& [place, entry] : entries_) {
@@ -52,7 +51,7 @@ void picture_view_t::show_picture(size_t index) {
     if (find(index_) == nullptr) {
         late_ = Glib::signal_timeout().connect(sigc::mem_fun(*this, &picture_view_t::leave), longest_leave);
     }
-    get_accessible()->set_name(paths_.empty() ? "" : taloram::to_toolkit(libutils::last_component(path())));
+    get_accessible()->set_name(pictures_.empty() ? "" : taloram::to_toolkit(name()));
     fit();
 }
 
@@ -76,7 +75,7 @@ void picture_view_t::first() {
 }
 
 void picture_view_t::last() {
-    show_picture(paths_.size());
+    show_picture(pictures_.size());
 }
 
 void picture_view_t::turn_left() {
@@ -137,7 +136,7 @@ const taloram::shown_picture_t* picture_view_t::shown() const {
 }
 
 picture_request_t picture_view_t::fitted_request(size_t index) const {
-    picture_request_t request{paths_[index], get_allocated_width() * get_scale_factor(),
+    picture_request_t request{pictures_[index], get_allocated_width() * get_scale_factor(),
                               get_allocated_height() * get_scale_factor()};
     if (turns_of(index) % 2 != 0) {
         std::swap(request.width, request.height);
@@ -163,7 +162,7 @@ bool picture_view_t::is_detailed_enough() const {
 
 void picture_view_t::plan() {
     // Before the widget has its size nothing can be fitted.
-    if (paths_.empty() || get_allocated_width() <= 1) {
+    if (pictures_.empty() || get_allocated_width() <= 1) {
         loader_.request({});
         return;
     }
@@ -180,7 +179,7 @@ void picture_view_t::plan() {
         wanted.push_back(request);
     }
     const size_t before = index_ == 0 ? index_ : index_ - 1;
-    const size_t behind = std::min(index_ + 1, paths_.size() - 1);
+    const size_t behind = std::min(index_ + 1, pictures_.size() - 1);
     add(forwards_ ? behind : before);
     add(forwards_ ? before : behind);
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
@@ -192,7 +191,7 @@ void picture_view_t::take_loaded() {
     while (loader_.take(result)) {
         // The same file may stand in the list twice; the nearest place is as good as any.
         for (const size_t index : {index_, index_ + 1, index_ == 0 ? index_ : index_ - 1}) {
-            if (index < paths_.size() && paths_[index] == result.request.path) {
+            if (index < pictures_.size() && pictures_[index] == result.request.picture) {
                 take(index, result);
                 break;
             }
@@ -210,6 +209,7 @@ void picture_view_t::take(size_t index, picture_loader_t::result_t& result) {
     if (result.request.zoom > 0) {
         // What was zoomed may have been left meanwhile.
         if (const auto found = entries_.find(index); found != entries_.end() && index == index_ && !is_fitted()) {
+            found->second.facts.damaged |= picture.damaged;
             found->second.detailed_for = result.request.zoom;
             found->second.detailed = shown;
         }
@@ -220,26 +220,27 @@ void picture_view_t::take(size_t index, picture_loader_t::result_t& result) {
         late_.disconnect();
     }
     entry_t& entry = entries_[index];
-    entry.facts = {true,           picture.failure,    picture.width,
-                   picture.height, picture.file_bytes, std::move(picture.summary)};
+    const bool damaged = picture.damaged || entry.facts.damaged;
+    entry.facts = {true,    picture.failure,           picture.width, picture.height, picture.file_bytes,
+                   damaged, std::move(picture.summary)};
     entry.fitted_for = result.request;
     entry.fitted = shown;
 }
 
 bool picture_view_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
     draw_background(cr);
-    if (paths_.empty()) {
+    if (pictures_.empty()) {
         draw_text(cr, taloram::message_text(taloram::msg_no_pictures));
         return true;
     }
-    const Glib::ustring name = taloram::to_toolkit(libutils::last_component(path()));
+    const Glib::ustring shown_name = taloram::to_toolkit(name());
     const entry_t* const entry = find(index_);
     if (const taloram::shown_picture_t* const picture = shown()) {
         draw_picture(cr, *picture);
     } else if (entry != nullptr) {
-        draw_text(cr, name + "\n\n" + taloram::to_toolkit(entry->facts.failure));
+        draw_text(cr, shown_name + "\n\n" + taloram::to_toolkit(entry->facts.failure));
     } else if (is_late_) {
-        draw_text(cr, name + "\n\n" + taloram::message_text(taloram::msg_reading_photo));
+        draw_text(cr, shown_name + "\n\n" + taloram::message_text(taloram::msg_reading_photo));
     } else if (leaving_.pixels) {
         draw_picture(cr, leaving_);
     }

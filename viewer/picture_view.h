@@ -21,12 +21,13 @@ class picture_view_t : public taloram::picture_area_t {
         double width = 0;     // of the full size as it is seen, in pixels
         double height = 0;
         uint64_t file_bytes = 0;
-        std::string summary;  // shooting data
+        bool damaged = false;  // in one of the sizes that were decoded
+        std::string summary;   // shooting data
     };
 
     picture_view_t();
 
-    void set_pictures(std::vector<std::string> paths, size_t first);
+    void set_pictures(std::vector<picture_t> pictures, size_t first);
 
     // An index behind the end shows the last. Fitted to the window.
     void show_picture(size_t index);
@@ -40,8 +41,8 @@ class picture_view_t : public taloram::picture_area_t {
     void turn_right();
 
     [[nodiscard]] size_t index() const { return index_; }
-    [[nodiscard]] size_t count() const { return paths_.size(); }
-    [[nodiscard]] const std::string& path() const { return paths_[index_]; }  // of a list that is not empty
+    [[nodiscard]] size_t count() const { return pictures_.size(); }
+    [[nodiscard]] std::string name() const { return pictures_[index_].name(); }  // of a list that is not empty
     [[nodiscard]] facts_t facts() const;
 
     // Pictures decoded and kept, and the size in pixels of the one that is shown, 0 without one: how far the loader is.
@@ -79,7 +80,7 @@ class picture_view_t : public taloram::picture_area_t {
     void take_loaded();
     void take(size_t index, picture_loader_t::result_t& result);
 
-    std::vector<std::string> paths_;
+    std::vector<picture_t> pictures_;
     std::map<size_t, entry_t> entries_;
     std::map<size_t, unsigned> turns_;  // clockwise quarters, 1 to 3
     size_t index_ = 0;

@@ -11,7 +11,6 @@
 
 #include "libutils/diagnostics.h"
 #include "libutils/program.h"
-#include "libutils/system_path.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
 
@@ -70,7 +69,7 @@ viewer_window_t::viewer_window_t(picture_list_t list) : slide_seconds_(default_s
     drag_dest_set({}, Gtk::DEST_DEFAULT_ALL, Gdk::ACTION_COPY);
     drag_dest_add_uri_targets();
     view_.signal_changed().connect(sigc::mem_fun(*this, &viewer_window_t::refresh));
-    view_.set_pictures(std::move(list.paths), list.first);
+    view_.set_pictures(std::move(list.pictures), list.first);
     view_.grab_focus();
 }
 
@@ -85,7 +84,7 @@ Glib::ustring viewer_window_t::title() const {
     if (view_.count() == 0) {
         return message_text(taloram::msg_viewer);
     }
-    std::vector<Glib::ustring> parts = {to_toolkit(libutils::last_component(view_.path())),
+    std::vector<Glib::ustring> parts = {to_toolkit(view_.name()),
                                         libutils::join_text(view_.index() + 1, " / ", view_.count())};
     const picture_view_t::facts_t facts = view_.facts();
     if (facts.known && facts.failure.empty()) {
@@ -104,12 +103,15 @@ void viewer_window_t::refresh_info() {
         return;
     }
     const picture_view_t::facts_t facts = view_.facts();
-    const Glib::ustring name = to_toolkit(libutils::last_component(view_.path()));
+    const Glib::ustring name = to_toolkit(view_.name());
     std::vector<Glib::ustring> lines = {"<b>" + Glib::Markup::escape_text(name) + "</b>"};
     if (!facts.failure.empty()) {
         lines.push_back(Glib::Markup::escape_text(to_toolkit(facts.failure)));
     } else if (facts.known) {
         lines.push_back(Glib::Markup::escape_text(size_text(facts) + ", " + bytes_text(facts.file_bytes)));
+        if (facts.damaged) {
+            lines.push_back(Glib::Markup::escape_text(message_text(taloram::msg_photo_damaged)));
+        }
         lines.push_back(Glib::Markup::escape_text(to_toolkit(facts.summary)));
     }
     info_.set_markup(joined(lines, "\n"));
@@ -181,7 +183,7 @@ void viewer_window_t::open_dropped(const std::vector<Glib::ustring>& uris) {
     if (!list_pictures(list, paths, problem)) {
         libutils::report("talovue3: ", libutils::one_line(problem));
     } else if (!paths.empty()) {
-        view_.set_pictures(std::move(list.paths), list.first);
+        view_.set_pictures(std::move(list.pictures), list.first);
         present();
     }
 }

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <cstdlib>
+#include <filesystem>
 
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -37,7 +38,7 @@ TEST(LoadPicture, DecodesNoMoreThanIsSeen) {
     for (const case_t& c : cases) {
         SCOPED_TRACE(c.name);
         write_file(dir / "p.jpg", c.file);
-        const loaded_picture_t picture = load_picture({dir / "p.jpg", c.box, c.box, c.zoom});
+        const loaded_picture_t picture = load_picture({{dir / "p.jpg"}, c.box, c.box, c.zoom});
         EXPECT_EQ("", picture.failure);
         ASSERT_EQ(std::pair(c.width, c.height), std::pair(picture.pixels.width, picture.pixels.height));
         const pixels_t whole = decode(c.file);
@@ -46,6 +47,38 @@ TEST(LoadPicture, DecodesNoMoreThanIsSeen) {
         const uint32_t corner = picture.pixels.rows[static_cast<size_t>(c.width * c.height - 1)];
         EXPECT_TRUE(c.width < c.height || std::abs(int(corner >> 16 & 0xFF) - *(whole.bytes.end() - 3)) < 40);
     }
+}
+
+TEST(LoadPicture, TakesTheSizeOfAnAlbumThatSuits) {
+    const temp_dir_t album;
+    const std::pair<const char*, photo_t> sizes[] = {{"size0", {.width = 640, .height = 480}},
+                                                     {"size1", {.width = 320, .height = 240}},
+                                                     {"size2", {.width = 160, .height = 120}}};
+    for (const auto& [name, photo] : sizes) {
+        std::filesystem::create_directory(album / name);
+        write_file(album / name + "/p.jpg", make_jpeg(photo));
+    }
+    struct case_t {
+        const char* removed;  // before the case
+        int box;
+        double zoom;
+        int width, shown_width;  // of the full size, of the pixels
+    };
+    const case_t cases[] = {
+        {"none", 100, 0, 640, 100},     {"none", 320, 0, 640, 320},   {"none", 1000, 0, 640, 640},
+        {"none", 100, 0.25, 640, 160},  {"none", 100, 0.3, 640, 200}, {"none", 100, 0.6, 640, 400},
+        {"size2", 100, 0.25, 640, 160}, {"size0", 100, 1, 320, 320},  {"size0", 100, 0, 320, 100},
+    };
+    const picture_t picture{album / "original/p.jpg", album.path()};
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.removed << " " << c.box << " " << c.zoom);
+        std::filesystem::remove(album / c.removed + "/p.jpg");
+        const loaded_picture_t loaded = load_picture({picture, c.box, c.box, c.zoom});
+        EXPECT_EQ("", loaded.failure);
+        EXPECT_EQ(std::pair(c.shown_width, double(c.width)), std::pair(loaded.pixels.width, loaded.width));
+    }
+    std::filesystem::remove_all(album / "size1");
+    EXPECT_EQ("No such file or directory", load_picture({picture, 9, 9}).failure);
 }
 
 TEST(LoadPicture, TellsWhyNot) {
@@ -69,9 +102,10 @@ TEST(LoadPicture, TellsWhyNot) {
     for (const auto& [name, reason] : cases) {
         SCOPED_TRACE(name);
         loaded_picture_t picture;
-        static_cast<void>(stderr_of([&, path = dir / name] { picture = load_picture({path, 100, 100}); }));
+        static_cast<void>(stderr_of([&, path = dir / name] { picture = load_picture({{path}, 100, 100}); }));
         EXPECT_EQ(reason, picture.failure);
         EXPECT_EQ(picture.failure.empty(), picture.pixels.rows != nullptr);
+        EXPECT_EQ(picture.failure.empty(), picture.damaged);
     }
 }
 

@@ -30,6 +30,14 @@ TEST(PictureList, TakesDirectoriesAndFiles) {
         {"several", {"c.jpg", "sub", "a.jpeg"}, {"c.jpg", "sub/d.jpg", "a.jpeg"}, 0},
         {"no pictures", {"sub/x.jpg"}, {}, 0},
     };
+    const auto paths_of = [](const talovue::picture_list_t& list) {
+        std::vector<std::string> paths;
+        for (const talovue::picture_t& picture : list.pictures) {
+            EXPECT_EQ("", picture.album);
+            paths.push_back(picture.path);
+        }
+        return paths;
+    };
     const auto in_dir = [&dir](std::vector<std::string> names) {
         for (std::string& name : names) {
             name.insert(0, dir / "");
@@ -41,12 +49,56 @@ TEST(PictureList, TakesDirectoriesAndFiles) {
         talovue::picture_list_t list;
         std::string problem;
         EXPECT_TRUE(list_pictures(list, in_dir(c.arguments), problem));
-        EXPECT_EQ(in_dir(c.listed), list.paths);
+        EXPECT_EQ(in_dir(c.listed), paths_of(list));
         EXPECT_EQ(c.first, list.first);
         EXPECT_FALSE(list_pictures(list, {dir / "c.jpg", dir / "gone"}, problem));
         EXPECT_EQ(dir / "gone" + ": no such file or directory.", problem);
-        EXPECT_EQ(in_dir(c.listed), list.paths) << "unchanged";
+        EXPECT_EQ(in_dir(c.listed), paths_of(list)) << "unchanged";
     }
+}
+
+TEST(PictureList, TakesAllPhotographsOfAnAlbumForOneOfItsSizes) {
+    const temp_dir_t dir;
+    for (const char* name : {"album/thumb/b.JPG", "album/thumb/A.JPG", "album/original/A.JPG", "album/original/b.JPG",
+                             "album/original/lost.jpg", "album/original/note.txt", "album/size0/b.JPG",
+                             "album/size1/b.JPG", "album/size01/b.JPG", "album/size17/b.JPG", "plain/size1/b.JPG",
+                             "bare/original/note.txt", "bare/size1/b.JPG", "loose/original/A.JPG", "loose/b.JPG"}) {
+        std::filesystem::create_directories((dir / name).substr(0, (dir / name).rfind('/')));
+        write_file(dir / name, std::string());
+    }
+    std::filesystem::create_directory_symlink(dir / "plain/size1", dir / "album/size2");
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(dir / "album/size1");
+    const std::vector<std::string> all = {"A.JPG", "b.JPG", "lost.jpg"};
+    const std::vector<std::string> own = {"b.JPG"};
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
+        {dir / "album/size1", all},
+        {dir / "album/size0/", all},
+        {dir / "album/size2", all},
+        {".", all},
+        {"../size1/.", all},
+        {dir / "album", all},
+        {dir / "album/thumb", {"A.JPG", "b.JPG"}},
+        {dir / "album/size01", own},
+        {dir / "album/size17", own},
+        {dir / "plain/size1", own},
+        {dir / "bare/size1", own},
+        {dir / "loose", own},
+        {dir / "album/size1/b.JPG", own},
+    };
+    for (const auto& [argument, names] : cases) {
+        SCOPED_TRACE(argument);
+        talovue::picture_list_t list;
+        std::string problem;
+        EXPECT_TRUE(list_pictures(list, {argument}, problem));
+        std::vector<std::string> found;
+        for (const talovue::picture_t& picture : list.pictures) {
+            found.push_back(picture.name());
+            EXPECT_EQ(names == all, !picture.album.empty());
+        }
+        EXPECT_EQ(names, found);
+    }
+    std::filesystem::current_path(before);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@ namespace {
 using namespace talovue;
 using namespace test_support;
 using testing::HasSubstr;
+using testing::Not;
 
 class ViewerWindow : public testing::Test {
   protected:
@@ -86,6 +87,30 @@ TEST_F(ViewerWindow, DecodesWhatIsSeen) {
     press_key(window, GDK_KEY_Down);
     wait_for_title("c <i>.jpg - 3 / 4 - 48 × 64 - 100 %");
     EXPECT_GE(2U, view().ready_count()) << "what was left is not kept";
+}
+
+TEST_F(ViewerWindow, ShowsAlbumsPhotographsInTheSizeThatSuits) {
+    const blob_t full = make_jpeg({.width = 2400, .height = 1600});
+    for (const char* size : {"original", "thumb", "size0", "size1"}) {
+        std::filesystem::create_directory(dir_ / size);
+    }
+    write_file(dir_ / "original/small.jpg", make_jpeg({}));
+    write_file(dir_ / "thumb/big.jpg", make_jpeg({.width = 150, .height = 100}));
+    write_file(dir_ / "size0/big.jpg", blob_t(full.begin(), full.begin() + static_cast<long>(full.size() / 2)));
+    write_file(dir_ / "size1/big.jpg", make_jpeg({.width = 1200, .height = 800}));
+    viewer_window_t& window = open("size1");
+    const auto info = [&] { return find_all<Gtk::Label>(window).at(0)->get_text().raw(); };
+    const std::string damaged = "\nPart of this photograph is damaged.";
+    press_key(window, GDK_KEY_i);
+    wait_for_title("big.jpg - 1 / 2 - 2400 × 1600 - 25 %");
+    wait_until([&] { return view().shown_pixels_width() == 600; });
+    EXPECT_THAT(info(), Not(HasSubstr(damaged))) << "of the size that is shown";
+    press_key(window, GDK_KEY_1);
+    wait_until([&] { return view().shown_pixels_width() == 2400; });
+    EXPECT_THAT(info(), HasSubstr(damaged));
+    press_key(window, GDK_KEY_End);
+    wait_for_title("small.jpg - 2 / 2 - 64 × 48 - 100 %");
+    EXPECT_THAT(info(), Not(HasSubstr(damaged)));
 }
 
 TEST_F(ViewerWindow, OpensWhatIsDroppedAndGoesRound) {
