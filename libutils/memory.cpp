@@ -1,24 +1,34 @@
 #include "libutils/memory.h"
 
+#include <fcntl.h>
 #include <malloc.h>
-#include <fstream>
+#include <unistd.h>
+
+#include <array>
+#include <charconv>
 #include <limits>
-#include <locale>
-#include <string>
+#include <string_view>
 
 namespace libutils {
 
+// Asked before every photograph: a stream, which reads word by word, would take a third of an update's time.
 uint64_t available_memory() {
     // proc(5): lines of a name, a number and "kB".
-    std::ifstream table;
-    table.imbue(std::locale::classic());
-    table.open("/proc/meminfo");
+    std::array<char, 8192> buffer{};
+    const int descriptor = open("/proc/meminfo", O_RDONLY | O_CLOEXEC);
+    const ssize_t length = descriptor < 0 ? -1 : read(descriptor, buffer.data(), buffer.size());
+    if (descriptor >= 0) {
+        close(descriptor);
+    }
+    const std::string_view table(buffer.data(), length < 0 ? 0 : static_cast<size_t>(length));
     uint64_t kilobytes = 0;
     bool told = false;
-    std::string name;
-    for (uint64_t number = 0; table >> name >> number;
-         table.ignore(std::numeric_limits<std::streamsize>::max(), '\n')) {
-        if (name == "MemAvailable:" || name == "SwapFree:") {
+    for (const std::string_view name : {"\nMemAvailable:", "\nSwapFree:"}) {
+        const size_t at = table.find(name);
+        const size_t digits = at == std::string_view::npos ? at : table.find_first_not_of(' ', at + name.size());
+        uint64_t number = 0;
+        if (digits != std::string_view::npos &&
+            std::from_chars(&table[digits], table.data() + table.size(), number).ec == std::errc()) {
             kilobytes += number;
             told = true;
         }
