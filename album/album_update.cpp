@@ -39,60 +39,113 @@ bool update_book_page(const std::string& book) {
     return true;
 }
 
+// Follows one update, to tell what it failed at.
+class watched_update_t {
+  public:
+    watched_update_t(const std::vector<files_t>& files, const std::string& album) : files_(files), album_(album) {}
+
+    [[nodiscard]] update_result_t run(progress_signals_t& progress) {
+        if (step_done(make_sizes(progress.sizes), "shrinkupdate") &&
+            step_done(watched(progress.pages, makehtml), "makehtml") &&
+            step_done(watched(progress.zoom_pages, makehtmlzoom), "makehtmlzoom")) {
+            return {};
+        }
+        return failure_.reason.empty() ? update_failure_t{"", heard_.line()} : failure_;
+    }
+
+  private:
+    template <class step_t>
+    bool watched(progress_t& progress, const step_t& step) {
+        heard_.clear();
+        // What was told of a file that is done was no reason.
+        progress_t done;
+        done.connect([&](double fraction) {
+            heard_.clear();
+            progress.emit(fraction);
+        });
+        return step(album_, done);
+    }
+
+    bool make_sizes(progress_t& progress) {
+        return watched(progress, [this](const std::string& album, progress_t& done) {
+            return shrinkupdate(files_, album, done, [this](const files_t& file) {
+                failure_ = {original_path(album_, file.filename), heard_.line()};
+                return false;
+            });
+        });
+    }
+
+    const std::vector<files_t>& files_;
+    const std::string& album_;
+    update_failure_t failure_;
+    libutils::first_report_t heard_;
+};
+
 }  // namespace
 
 bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
                  progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress) {
     progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
-    return updatealbum(files, album, progress);
+    return !update_album(files, album, progress);
 }
 
-bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_signals_t& progress) {
-    if (!names_an_album(album)) {
-        return false;
-    }
+update_result_t update_album(const std::vector<files_t>& files, const std::string& album,
+                             progress_signals_t& progress) {
+    const libutils::first_report_t heard;
     write_lock_t lock;
-    if (!lock_album(lock, album)) {
-        return false;
+    if (!names_an_album(album) || !lock_album(lock, album)) {
+        return update_failure_t{"", heard.line()};
     }
     libutils::remove_leftovers(album);
     if (!end_left_turns(album)) {
-        return false;
+        return update_failure_t{"", heard.line()};
     }
     progress.begun.emit(album, files);
     // An import that was stopped while it copied has left none.
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
-    return step_done(shrinkupdate(files, album, progress.sizes), "shrinkupdate") &&
-           step_done(makehtml(album, progress.pages), "makehtml") &&
-           step_done(makehtmlzoom(album, progress.zoom_pages), "makehtmlzoom");
+    return watched_update_t(files, album).run(progress);
 }
 
 bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,
                  progress_t& htmlprogress, progress_t& zoomprogress) {
     progress_signals_t progress{copyprogress, {}, shrinkprogress, htmlprogress, zoomprogress, {}};
-    return batchupdate(path, update_options_t(), progress);
+    return !update_all(path, update_options_t(), progress);
 }
 
-bool batchupdate(const std::string& path, const update_options_t& options, progress_signals_t& progress) {
-    const auto update_album = [&](const std::string& album) {
+update_result_t update_all(const std::string& path, const update_options_t& options, progress_signals_t& progress) {
+    update_result_t first;
+    libutils::first_report_t heard;
+    const auto note = [&](bool is_done, const update_result_t& failure = {}) {
+        if (!is_done && !first) {
+            first = failure.value_or(update_failure_t{"", heard.line()});
+        }
+        heard.clear();
+        return is_done;
+    };
+    const auto update = [&](const std::string& album) {
         write_lock_t lock;
         std::vector<files_t> files;
-        return lock_album(lock, album) && list_originals(files, album) &&
-               step_done(treat_orphans(album, options.orphans), "prune") && updatealbum(files, album, progress);
+        if (!lock_album(lock, album) || !list_originals(files, album) ||
+            !step_done(treat_orphans(album, options.orphans), "prune")) {
+            return note(false);
+        }
+        const update_result_t failure = update_album(files, album, progress);
+        return note(!failure, failure);
     };
     const auto update_book = [&](const std::string& book) {
         // It may have become an album while its import was waited for.
         write_lock_t lock;
         if (!lock_album(lock, book)) {
-            return false;
+            return note(false);
         }
         if (is_album(book)) {
-            return update_album(book);
+            return update(book);
         }
         progress.begun.emit(book, {});
-        return update_book_page(book);
+        return note(update_book_page(book));
     };
-    return visit_albums(path, {update_album, update_book}).succeeded;
+    static_cast<void>(note(visit_albums(path, {update, update_book}).succeeded));
+    return first;
 }
 
 }  // namespace taloram

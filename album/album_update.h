@@ -1,5 +1,9 @@
 #pragma once
 
+#include <optional>
+#include <string>
+#include <vector>
+
 #include "album/album_layout.h"
 #include "album/orphans.h"
 #include "album/progress.h"
@@ -10,13 +14,22 @@ struct update_options_t {
     orphans_t orphans = orphans_t::keep;
 };
 
+// What an update failed at first.
+struct update_failure_t {
+    std::string file;    // path of the original, "" when it was no photograph's fault
+    std::string reason;  // the innermost line that was reported about it
+};
+
+// Nothing when all was done.
+using update_result_t = std::optional<update_failure_t>;
+
 // Brings an existing album up to date while no other program writes to it: the reduced sizes of the listed photographs,
 // then the pages. `copyprogress` is never emitted.
 [[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
                                progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
 
-[[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album,
-                               progress_signals_t& progress);
+[[nodiscard]] update_result_t update_album(const std::vector<files_t>& files, const std::string& album,
+                                           progress_signals_t& progress);
 
 // Brings an album up to date with all its originals unturned, or every album below a book, to any depth, and the books'
 // index pages. A directory below the named one counts as a book when it has txt/ or an album below it. A failure does
@@ -25,6 +38,7 @@ struct update_options_t {
                                progress_t& htmlprogress, progress_t& zoomprogress);
 
 // The same; what is left of photographs whose original is gone is treated before an album's pages are written.
-[[nodiscard]] bool batchupdate(const std::string& path, const update_options_t& options, progress_signals_t& progress);
+[[nodiscard]] update_result_t update_all(const std::string& path, const update_options_t& options,
+                                         progress_signals_t& progress);
 
 }  // namespace taloram

@@ -299,7 +299,12 @@ bool shrink(const std::string& album, const std::vector<files_t>& files, progres
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress) {
-    return for_each_file(album, files, progress, shrink_file_update, ends_the_run);
+    return shrinkupdate(files, album, progress, ends_the_run);
+}
+
+bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress,
+                  const failed_file_t& failed) {
+    return for_each_file(album, files, progress, shrink_file_update, failed);
 }
 
 bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,

@@ -30,6 +30,8 @@ using failed_file_t = std::function<bool(const files_t& file)>;
 
 // The same, redoing only what is missing, out of date or to be turned. thumb/ must exist.
 [[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress);
+[[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress,
+                                const failed_file_t& failed);
 
 // All levels up to `level` and the thumbnail of one photograph. The user's count alone decides whether level 0 is
 // turned; when it is, the camera's orientation is added to it. Reduced sizes of a turned photograph carry no segments.

@@ -37,17 +37,29 @@ void comment_fields_t::show(const comment_texts_t& texts) {
 }
 
 void comment_fields_t::show_comments_of(const std::string& directory) {
+    show(load(directory));
+}
+
+void comment_fields_t::fill_comments_of(const std::string& directory) {
+    const comment_texts_t texts = load(directory);
+    show({});
+    fill(texts);
+}
+
+comment_texts_t comment_fields_t::load(const std::string& directory) {
     comment_texts_t texts;
     unread_.clear();
     if (const unread_text_t unread = load_comments(texts, directory)) {
         report_unread(unread);
         unread_ = to_toolkit(unread.path + ": " + unread.reason.message());
     }
-    show(texts);
-    title.set_placeholder_text(unread_);
+    const Glib::ustring notice = unread_.empty() ? "" : message_text(msg_text_unreadable) + " " + unread_;
+    title.set_placeholder_text(notice);
+    title.set_tooltip_text(notice);
     for (Gtk::Widget* field : std::initializer_list<Gtk::Widget*>{&title, &head, &last}) {
         field->set_sensitive(unread_.empty());
     }
+    return texts;
 }
 
 void comment_fields_t::fill(const comment_texts_t& texts) {

@@ -37,6 +37,9 @@ class comment_fields_t {
     // title, and there is nothing to edit: what nobody saw must not be replaced.
     void show_comments_of(const std::string& directory);
 
+    // The same, but the directory's texts also replace what was typed, and no others stay.
+    void fill_comments_of(const std::string& directory);
+
     // What could not be read and why, "" when nothing.
     [[nodiscard]] const Glib::ustring& unread() const { return unread_; }
 
@@ -52,6 +55,7 @@ class comment_fields_t {
     void restore(const drafts_t& drafts);
 
   private:
+    [[nodiscard]] comment_texts_t load(const std::string& directory);
     [[nodiscard]] Glib::ustring typed(size_t field) const;
     void type(size_t field, const Glib::ustring& text);
     void load(size_t field, const std::string& text);

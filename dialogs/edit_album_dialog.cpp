@@ -200,11 +200,11 @@ void EditAlbumDialog::save_texts() {
 void EditAlbumDialog::update_album() {
     const std::vector<files_t> files = selected_files();
     progress_.begin(to_toolkit(album_));
-    const bool updated = updatealbum(files, album_, progress_.signals());
+    const update_result_t failure = taloram::update_album(files, album_, progress_.signals());
     progress_.end();
-    if (!updated) {
+    if (failure) {
         libutils::report(album_, ": updatealbum() failed.");
-        show_error(*this, msg_album_failed);
+        show_failure(*this, msg_album_failed, failure->reason, failure->file);
     }
 }
 

@@ -74,7 +74,7 @@ void show_refusal(Gtk::Window& parent, const album_result_t& result) {
             return;
         case album_step_t::directory:
         case album_step_t::texts:
-            show_error(parent, message_text(msg_comments_failed) + "\n" + to_toolkit(result.reason));
+            show_failure(parent, msg_comments_failed, result.reason);
             return;
         case album_step_t::conflicts:
         case album_step_t::lock:
@@ -82,9 +82,7 @@ void show_refusal(Gtk::Window& parent, const album_result_t& result) {
         case album_step_t::book_page:
             break;
     }
-    const std::string& file = result.import.file;
-    show_error(parent, message_text(msg_album_failed) + (file.empty() ? "" : "\n" + to_toolkit(file)) + "\n" +
-                           to_toolkit(result.reason));
+    show_failure(parent, msg_album_failed, result.reason, result.import.file);
 }
 
 }  // namespace
@@ -230,13 +228,14 @@ void EditBookDialog::save(bool rebuild_all) {
         return;
     }
     refresh();
-    if (rebuild_all && !batchupdate(book_directory_)) {
-        show_error(*this, msg_update_failed);
+    if (rebuild_all) {
+        batchupdate(book_directory_);
     }
 }
 
 void EditBookDialog::save_texts() {
     const comment_texts_t texts = fields_.texts();
+    const libutils::first_report_t heard;
     if (!fields_.unread().empty()) {
         show_error(*this, message_text(msg_comments_failed) + "\n" + fields_.unread());
     } else if (empty()) {
@@ -244,7 +243,7 @@ void EditBookDialog::save_texts() {
     } else if (savecommenttxt(book_directory_, texts.title, texts.head, texts.last)) {
         fields_.accept();
     } else {
-        show_error(*this, msg_comments_failed);
+        show_failure(*this, msg_comments_failed, heard.line());
     }
 }
 
@@ -276,11 +275,12 @@ void EditBookDialog::rename_items() {
 }
 
 bool EditBookDialog::rewrite_page() {
+    const libutils::first_report_t heard;
     if (makehtmlbook(book_directory_)) {
         return true;
     }
     libutils::report(book_directory_, ": makehtmlbook() failed.");
-    show_error(*this, msg_update_failed);
+    show_failure(*this, msg_update_failed, heard.line());
     return false;
 }
 
@@ -364,16 +364,19 @@ bool EditBookDialog::order_album(album_order_t& order) {
 
 bool EditBookDialog::batchupdate(const std::string& path) {
     progress_.begin(to_toolkit(path));
-    const bool updated = taloram::batchupdate(path, update_options_t(), progress_.signals());
+    const update_result_t failure = update_all(path, update_options_t(), progress_.signals());
     progress_.end();
-    return updated;
+    if (failure) {
+        show_failure(*this, msg_update_failed, failure->reason, failure->file);
+    }
+    return !failure;
 }
 
 // The list is rebuilt below, and with it the row whose button was clicked.
 void EditBookDialog::button_list(size_t index) {
     const std::string path = items_[index].entry.path;
-    if (is_import_interrupted(path) && ask_yes_no(*this, msg_complete_album) && !batchupdate(path)) {
-        show_error(*this, msg_update_failed);
+    if (is_import_interrupted(path) && ask_yes_no(*this, msg_complete_album)) {
+        batchupdate(path);
     }
     if (!is_exist(entry_path(path, layout::thumb))) {
         edit_book(*this, path);
@@ -407,10 +410,6 @@ void EditBookDialog::button_remove(size_t index) {
 
 void edit_book(Gtk::Window& parent, const std::string& directory) {
     comment_fields_t::drafts_t drafts;
-    comment_texts_t texts;
-    if (const unread_text_t unread = load_comments(texts, directory)) {
-        show_error(parent, message_text(msg_text_unreadable) + "\n" + to_toolkit(unread.path));
-    }
     for (;;) {
         EditBookDialog dialog(parent, directory);
         dialog.restore(drafts);

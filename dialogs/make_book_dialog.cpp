@@ -90,10 +90,7 @@ std::string MakeBookDialog::get_bookdir() const {
 }
 
 bool MakeBookDialog::button_update() {
-    comment_texts_t texts;
-    loadcommenttxt(get_bookdir(), texts.title, texts.head, texts.last);
-    fields_.show({});
-    fields_.fill(texts);
+    fields_.fill_comments_of(get_bookdir());
     show_all_children();
     return true;
 }
@@ -109,7 +106,11 @@ void MakeBookDialog::button_directory() {
         return;
     }
     chooser.hide();
-    const std::string name = name_inside(chooser.get_filename(), directory_);
+    take_folder(chooser.get_filename());
+}
+
+void MakeBookDialog::take_folder(const std::string& folder) {
+    const std::string name = name_inside(folder, directory_);
     if (name.empty()) {
         show_error(*this, message_text(msg_outside_book) + "\n" + to_toolkit(directory_));
         return;
@@ -139,10 +140,11 @@ bool MakeBookDialog::save_texts() {
         show_error(*this, msg_names_an_album);
         return false;
     }
+    const libutils::first_report_t heard;
     libutils::mkdir(bookdir_.c_str());
     talolib::trace(std::cout, bookdir_, ": mkdired.");
     if (!savecommenttxt(bookdir_, texts_.title, texts_.head, texts_.last)) {
-        show_error(*this, msg_comments_failed);
+        show_failure(*this, msg_comments_failed, heard.line());
         return false;
     }
     return true;

@@ -29,6 +29,8 @@ class MakeBookDialog : public Gtk::Dialog {
     // Fills in the texts that the named directory already has, in place of those of the name before.
     bool button_update();
     void button_directory();
+    // Takes the folder that was chosen there as a name in the directory; one that lies elsewhere is refused in a box.
+    void take_folder(const std::string& folder);
 
   protected:
     void on_response(int response) override;

@@ -43,6 +43,15 @@ void show_error(Gtk::Window& parent, const Glib::ustring& text) {
     run_box(box, message_text(msg_message_box), Gtk::RESPONSE_OK);
 }
 
+void show_failure(Gtk::Window& parent, e_message_local_t text, const std::string& reason, const std::string& file) {
+    Glib::ustring lines = message_text(text);
+    const bool tells_file = reason.find(file) != std::string::npos;
+    for (const std::string& line : {tells_file ? std::string() : file, reason}) {
+        lines += line.empty() ? "" : "\n" + to_toolkit(line);
+    }
+    show_error(parent, lines);
+}
+
 bool ask_yes_no(Gtk::Window& parent, e_message_local_t text) {
     Gtk::MessageDialog box(parent, message_text(text), false, Gtk::MESSAGE_ERROR, Gtk::BUTTONS_YES_NO, true);
     return run_box(box, message_text(msg_message_box), Gtk::RESPONSE_NO) == Gtk::RESPONSE_YES;

@@ -2,6 +2,8 @@
 
 #include <gtkmm/window.h>
 
+#include <string>
+
 #include "settings/message.h"
 
 namespace taloram {
@@ -9,6 +11,9 @@ namespace taloram {
 // Modal message boxes, run once. Errors and questions bear the title msg_message_box.
 void show_error(Gtk::Window& parent, e_message_local_t text);
 void show_error(Gtk::Window& parent, const Glib::ustring& text);
+
+// A failure of the engine: the text, and below it at what file, where that is known, and the innermost reason.
+void show_failure(Gtk::Window& parent, e_message_local_t text, const std::string& reason, const std::string& file = "");
 
 // An error box with Yes and No; true for Yes.
 [[nodiscard]] bool ask_yes_no(Gtk::Window& parent, e_message_local_t text);

@@ -246,6 +246,7 @@ void ViewAlbumDialog::turn(unsigned long count) {
         get_display()->flush();
     }
     progress_.begin(to_toolkit(name), patience);
+    const libutils::first_report_t heard;
     const turned_t turned = turn_photos(album_, {name}, count, progress_.signals());
     progress_.end();
     if (window) {
@@ -254,7 +255,7 @@ void ViewAlbumDialog::turn(unsigned long count) {
     view_.reload();
     grid_.reload(view_.index());
     if (turned != turned_t::all) {
-        show_error(*this, turned == turned_t::none ? msg_turn_failed : msg_album_failed);
+        show_failure(*this, turned == turned_t::none ? msg_turn_failed : msg_album_failed, heard.line());
     }
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <iostream>
 #include <locale>
 #include <sstream>
@@ -21,8 +22,11 @@ template <typename... Parts>
     return text.str();
 }
 
+// Ends a line that only says where the reason in the next line was met.
+inline constexpr std::string_view announces_reason = ": error detected.";
+
 // Remembers, while it lives, the first diagnostic line since its making or the last clear(): failures are traced from
-// the innermost step to the outermost, so that it tells the cause of one.
+// the innermost step to the outermost, so that it tells the cause of one. A line that announces another takes that in.
 class first_report_t {
   public:
     first_report_t() : outer_(innermost_) { innermost_ = this; }
@@ -37,13 +41,23 @@ class first_report_t {
     // Lines that go to standard error.
     static void hear(std::string_view lines) {
         for (first_report_t* listener = innermost_; listener != nullptr; listener = listener->outer_) {
-            if (listener->line_.empty()) {
-                listener->line_ = lines.substr(0, lines.find('\n'));
+            for (std::string_view rest = lines; listener->takes_more() && !rest.empty();) {
+                const std::string_view line = rest.substr(0, rest.find('\n'));
+                listener->take(line);
+                rest.remove_prefix(std::min(line.size() + 1, rest.size()));
             }
         }
     }
 
   private:
+    [[nodiscard]] bool takes_more() const { return line_.empty() || line_.ends_with(announces_reason); }
+    void take(std::string_view line) {
+        if (!line_.empty()) {
+            line_.erase(line_.size() - announces_reason.size()).append(": ");
+        }
+        line_ += line;
+    }
+
     inline static first_report_t* innermost_ = nullptr;
 
     first_report_t* outer_;

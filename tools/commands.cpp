@@ -143,7 +143,7 @@ class runner_t {
         shown_progress_t progress(command.run.progress);
         bool good = true;
         for (const std::string& directory : directories) {
-            good = batchupdate(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.signals) &&
+            good = !update_all(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.signals) &&
                    good;
         }
         return good ? status_done : status_failed;

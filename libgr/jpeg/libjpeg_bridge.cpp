@@ -73,7 +73,7 @@ void output_message(j_common_ptr info) {
 [[noreturn]] void my_error_exit(j_common_ptr info) {
     error_manager_t& errors = errors_of(info);
     if (!errors.silent) {
-        libutils::report(shown_name(*errors.data), ": error detected.");
+        libutils::report(shown_name(*errors.data), libutils::announces_reason);
     }
     errors.output_message(info);
     std::longjmp(*errors.jump, 1);
@@ -289,7 +289,7 @@ void decompressor_t::read_header() {
 bool decompressor_t::has_whole_file() const {
     const bool whole = data_->is_intact();
     if (!whole && !errors_.silent) {
-        libutils::report(shown_name(*data_), ": error detected.");
+        libutils::report(shown_name(*data_), libutils::announces_reason);
         libutils::report("File became shorter while it was read");
     }
     return whole;

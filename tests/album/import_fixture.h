@@ -19,7 +19,7 @@ struct import_fixture_t : album_test_t {
         });
     }
     std::string update(orphans_t orphans) {
-        return outcome([&] { return batchupdate(album, {orphans}, unseen); });
+        return outcome([&] { return !update_all(album, {orphans}, unseen); });
     }
 
     // What was found by a function that gets `found`, each with its path in the album; in front the outcome.

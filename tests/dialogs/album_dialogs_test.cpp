@@ -222,7 +222,8 @@ TEST(EditAlbumDialog, what_can_not_be_read_is_named_and_stays) {
     }
     EditAlbumDialog dialog(album.window, album.dir.path());
     Gtk::Entry& title = *find_all<Gtk::Entry>(dialog).at(0);
-    EXPECT_EQ(head + ": Is a directory", title.get_placeholder_text().raw());
+    EXPECT_EQ(message_text(msg_text_unreadable).raw() + " " + head + ": Is a directory",
+              title.get_placeholder_text().raw());
     EXPECT_FALSE(title.get_sensitive() || find_all<Gtk::TextView>(dialog).at(0)->get_sensitive());
     rmdir(head.c_str());
     rename((head + ".kept").c_str(), head.c_str());

@@ -12,6 +12,7 @@
 #include "album/write_lock.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/edit_book_dialog.h"
+#include "dialogs/make_album_dialog.h"
 #include "dialogs/make_book_dialog.h"
 #include "dialogs/writer_box.h"
 #include "libutils/directory.h"
@@ -119,7 +120,10 @@ TEST_F(BookDialogs, RenamesAndRemovesTheRightEntries) {
         type(dialog, 0, "Journeys");
         for (const char* answer : {"Cancel", "OK"}) {
             EXPECT_THAT(names(), Contains(old_card));
-            answer_next("Remove", answer);
+            on_next_dialog([&old_card, answer](Gtk::Dialog& box) {
+                EXPECT_TRUE(shows_text(box, to_toolkit(old_card) + "\n" + message_text(msg_removes_photos)));
+                click(box, answer);
+            });
             click(dialog, "Remove " + to_toolkit(old_card));
         }
         EXPECT_THAT(names(), ElementsAre("a", "b", "new; b", "txt"));
@@ -147,6 +151,11 @@ TEST_F(BookDialogs, MakesBooks) {
         EXPECT_TRUE(maker.button_update());
         EXPECT_EQ("", find_all<Gtk::Entry>(dialog).at(1)->get_text()) << "another name's title";
         type(dialog, 1, "This year");
+        answer_next(message_text(msg_outside_book) + "\n" + book_, "OK");
+        maker.take_folder(dir_ / "elsewhere");
+        EXPECT_EQ(maker.get_bookdir(), book_ + "/new") << "nothing of a folder that was refused";
+        maker.take_folder(book_ + "/2025/spring");
+        EXPECT_EQ("2025/spring", find_all<Gtk::Entry>(dialog).at(0)->get_text());
         type(dialog, 0, "");
         click(dialog, "OK");
     });
@@ -224,33 +233,64 @@ TEST_F(BookDialogs, MakesAnAlbumAndRebuildsTheBook) {
     }
 }
 
-TEST_F(BookDialogs, TellsWhenAnAlbumCantBeMade) {
+TEST_F(BookDialogs, TellsWhatCouldNotBeMade) {
     write_file(g_global.from + "/broken.jpg", std::string("no photograph"));
-    const auto fail_to_make = [this](const char* name, const char* message, bool maker_stays) {
-        on_next_dialog(clicking("New Album"));
-        on_next_dialog([name](Gtk::Dialog& maker) {
+    const auto fill_maker = [](const char* name) {
+        return [name](Gtk::Dialog& maker) {
             click(maker, "Update List");
             click(maker, "Invert Selection");
             type(maker, 1, name);
             type_title(maker, "Broken");
             click(maker, "OK");
-        });
-        answer_next(message, "OK");
-        if (maker_stays) {
-            on_next_dialog(clicking("Cancel"));
-        }
-        on_next_dialog(clicking("Cancel"));
-        return stderr_of([this] { edit_book(window_, book_); });
+        };
     };
-    EXPECT_THAT(fail_to_make("broken", "The album could not be made.\nbroken.jpg", false),
-                testing::EndsWith("shrink() failed.\n"));
-    EXPECT_TRUE(std::filesystem::exists(book_ + "/broken/original/broken.jpg")) << "what was copied stays";
+    const std::string original = book_ + "/broken/original/broken.jpg";
+    const std::string reason = "\n" + original + ": Not a JPEG file: starts with 0x6e 0x6f";
+    on_next_dialog(clicking("New Album"));
+    on_next_dialog(fill_maker("broken"));
+    answer_next(message_text(msg_album_failed) + reason, "OK");
+    on_next_dialog(clicking("Save and Rebuild All"));
+    answer_next(message_text(msg_update_failed) + reason, "OK");
+    on_next_dialog(clicking("Photos broken"));
+    on_next_dialog(clicking("OK"));
+    answer_next(message_text(msg_album_failed) + reason, "OK");
+    on_next_dialog([&](Gtk::Dialog& dialog) {
+        std::filesystem::create_directory(book_ + "/index.html.keep");
+        std::filesystem::remove(book_ + "/index.html");
+        std::filesystem::rename(book_ + "/index.html.keep", book_ + "/index.html");
+        click(dialog, "OK");
+    });
+    answer_next(message_text(msg_update_failed) + "\n" + book_ + "/index.html: write open error, Is a directory", "OK");
+    EXPECT_THAT(stderr_of([this] { edit_book(window_, book_); }), testing::HasSubstr("shrink() failed.\n"));
+    EXPECT_TRUE(std::filesystem::exists(original)) << "what was copied stays";
+}
 
+TEST_F(BookDialogs, KeepsTheAlbumMakerWhereThereIsNoRoom) {
     write_file(g_global.from + "/long.mov", std::string());
     std::filesystem::resize_file(g_global.from + "/long.mov", uintmax_t{1} << 43);
-    EXPECT_THAT(fail_to_make("full", "There is not enough free space for this album. Nothing was copied.", true),
-                testing::EndsWith(" TiB more free space is needed for this import.\n"));
-    EXPECT_FALSE(std::filesystem::exists(book_ + "/full"));
+    on_next_dialog(clicking("New Album"));
+    on_next_dialog([](Gtk::Dialog& maker) {
+        click(maker, "Update List");
+        click(maker, "Invert Selection");
+        type(maker, 1, "full");
+        type_title(maker, "Full");
+        click(maker, "OK");
+    });
+    on_next_dialog([](Gtk::Dialog& box) {
+        const std::string text = find_all<Gtk::Label>(box).at(0)->get_text();
+        EXPECT_THAT(text, testing::MatchesRegex(message_text(msg_no_room) + "\n" + message_text(msg_room_missing) +
+                                                " [0-9.]+ TiB"));
+        click(box, "OK");
+    });
+    on_next_dialog([this](Gtk::Dialog& maker) {
+        EXPECT_EQ(dynamic_cast<MakeAlbumDialog&>(maker).selected_files().size(), 3U);
+        EXPECT_FALSE(std::filesystem::exists(book_ + "/full"));
+        std::filesystem::resize_file(g_global.from + "/long.mov", 0);
+        click(maker, "OK");  // with the choice that was made before
+    });
+    on_next_dialog(clicking("Cancel"));
+    static_cast<void>(stderr_of([this] { edit_book(window_, book_); }));
+    EXPECT_TRUE(std::filesystem::exists(book_ + "/full/movie/long.mov"));
 }
 
 // Rows far down have widgets only while they are seen; what was typed into one must not go with them.
