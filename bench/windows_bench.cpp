@@ -136,9 +136,9 @@ bool measure_books(const std::string& place, const std::string& program, size_t 
     if (!make_book(book, count)) {
         return false;
     }
-    measure("main window", [&] { return std::make_unique<taloram::MenuWindow>(1, arguments); });
-    measure("book editor", [&] { return std::make_unique<taloram::EditBookDialog>(parent, book); });
-    measure("book viewer", [&] { return std::make_unique<taloram::ViewBookDialog>(parent, book, ""); });
+    measure("main-window", [&] { return std::make_unique<taloram::MenuWindow>(1, arguments); });
+    measure("book-editor", [&] { return std::make_unique<taloram::EditBookDialog>(parent, book); });
+    measure("book-viewer", [&] { return std::make_unique<taloram::ViewBookDialog>(parent, book, ""); });
     return true;
 }
 
