@@ -103,6 +103,11 @@ bool choice_button_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         cr->set_line_width(1);
         cr->rectangle(frame + 0.5, frame + 0.5, width - 2 * frame - 1, height - 2 * frame - 1);
         cr->stroke();
+        if (has_visible_focus()) {
+            // The frame covers the toolkit's own.
+            constexpr double inset = frame + 3;
+            get_style_context()->render_focus(cr, inset, inset, width - 2 * inset, height - 2 * inset);
+        }
         cr->translate(get_direction() == Gtk::TEXT_DIR_RTL ? corner : width - corner, corner);
         draw_check_mark(cr, colour);
     }
