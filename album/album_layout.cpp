@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <initializer_list>
 #include <iterator>
 #include <list>
 #include <set>
@@ -19,6 +20,23 @@ namespace {
 
 constexpr const char* photo_extension = ".jpg";
 constexpr const char* movie_extensions[] = {".mov", ".mpg", ".mp4"};
+
+unlisted_t list_kind(std::vector<std::string>& found, const std::string& album,
+                     std::initializer_list<const char*> directories, bool (*is_wanted)(const std::string&)) {
+    std::set<std::string> sorted;
+    unlisted_t unlisted;
+    for (const char* directory : directories) {
+        std::list<std::string> names;
+        const std::string path = entry_path(album, directory);
+        const std::error_code failure = libutils::list_files(names, path);
+        if (failure && !unlisted && !libutils::is_absent(failure)) {
+            unlisted = {path, failure};
+        }
+        std::copy_if(names.begin(), names.end(), std::inserter(sorted, sorted.end()), is_wanted);
+    }
+    found.assign(sorted.begin(), sorted.end());
+    return unlisted;
+}
 
 }  // namespace
 
@@ -67,19 +85,12 @@ bool is_plain_name(const std::string& filename) {
            filename.find_first_of(ends_a_name) == std::string::npos;
 }
 
-std::error_code list_photos(std::vector<std::string>& photos, const std::string& album) {
-    std::set<std::string> found;
-    std::error_code failure;
-    for (const char* directory : {layout::thumb, layout::original}) {
-        std::list<std::string> names;
-        const std::error_code error = libutils::list_files(names, entry_path(album, directory));
-        if (error && !failure && !libutils::is_absent(error)) {
-            failure = error;
-        }
-        std::copy_if(names.begin(), names.end(), std::inserter(found, found.end()), is_photo);
-    }
-    photos.assign(found.begin(), found.end());
-    return failure;
+unlisted_t list_photos(std::vector<std::string>& photos, const std::string& album) {
+    return list_kind(photos, album, {layout::thumb, layout::original}, is_photo);
+}
+
+unlisted_t list_movies(std::vector<std::string>& movies, const std::string& album) {
+    return list_kind(movies, album, {layout::movie}, is_movie);
 }
 
 std::string entry_path(const std::string& directory, const std::string& name) {

@@ -66,9 +66,19 @@ constexpr unsigned long highest_top_level = 16;
 // True when `filename` names an entry of a directory rather than a way out of it.
 [[nodiscard]] bool is_plain_name(const std::string& filename);
 
+// A directory that is there and can't be listed to its end.
+struct unlisted_t {
+    std::string path;
+    std::error_code reason;
+
+    explicit operator bool() const { return static_cast<bool>(reason); }
+};
+
 // The photographs of an album in the order of its pages, by the bytes of their names, with those that lost their
-// thumbnail. The first reason why a directory of them that is there can't be listed; `photos` holds the others' then.
-[[nodiscard]] std::error_code list_photos(std::vector<std::string>& photos, const std::string& album);
+// thumbnail; its movies likewise. Returns the first of the directories that can't be listed; the list then holds what
+// the others have.
+[[nodiscard]] unlisted_t list_photos(std::vector<std::string>& photos, const std::string& album);
+[[nodiscard]] unlisted_t list_movies(std::vector<std::string>& movies, const std::string& album);
 
 // What is called `name` in an album, a book or one of their directories; in "", the current directory, the bare name.
 [[nodiscard]] std::string entry_path(const std::string& directory, const std::string& name);

@@ -5,8 +5,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <list>
-#include <set>
 
 #include "album/album_layout.h"
 #include "album/turn_photo.h"
@@ -14,7 +12,6 @@
 #include "dialogs/message_box.h"
 #include "dialogs/text_input_dialog.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
 #include "toolkit/text_encoding.h"
 
 namespace taloram {
@@ -25,25 +22,6 @@ constexpr int gap = 6;           // pixels between widgets
 constexpr int side_width = 240;  // pixels, of the panel beside the large picture
 constexpr double pan_step = 80;  // pixels
 constexpr std::chrono::milliseconds patience{300};
-
-// The sorted names of one kind in directories of the album. An album need not have the directories, but one that can't
-// be read to its end makes what is found no album: it is reported, and named in `unread`.
-std::vector<std::string> list_names(const std::string& album, std::initializer_list<const char*> directories,
-                                    bool (*is_wanted)(const std::string&), Glib::ustring& unread) {
-    std::set<std::string> found;
-    for (const char* directory : directories) {
-        std::list<std::string> names;
-        const std::string path = entry_path(album, directory);
-        if (const std::error_code error = libutils::list_files(names, path); error && !libutils::is_absent(error)) {
-            const std::string line = path + ": " + error.message();
-            libutils::report(line);
-            unread = to_toolkit(line);
-            return {};
-        }
-        std::copy_if(names.begin(), names.end(), std::inserter(found, found.end()), is_wanted);
-    }
-    return {found.begin(), found.end()};
-}
 
 // Text beside the large picture.
 void make_side_text(Gtk::Label& label) {
@@ -62,12 +40,7 @@ ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
     : Gtk::Dialog("", parent, true), album_(album), progress_(*this) {
     make_viewer_window(*this, parent, 1180, 700);
     static_cast<void>(end_begun_turns(album));
-    // A photograph that lost its thumbnail still belongs to the album.
-    names_ = list_names(album_, {layout::thumb, layout::original}, &is_photo, unread_);
-    movie_names_ = list_names(album_, {layout::movie}, &is_movie, unread_);
-    if (!unread_.empty()) {
-        names_.clear();
-    }
+    list_files();
     texts_.load(album);
     set_title(texts_.title.get_text());
     make_overview();
@@ -89,6 +62,21 @@ ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
     grid_.set_photos(album_, names_);
     show_all_children();
     grid_.focus_photo(0);
+}
+
+// An album that can't be listed to its end is not shown as if what was found were all.
+void ViewAlbumDialog::list_files() {
+    for (const unlisted_t& unlisted : {list_photos(names_, album_), list_movies(movie_names_, album_)}) {
+        if (unlisted) {
+            const std::string line = unlisted.path + ": " + unlisted.reason.message();
+            libutils::report(line);
+            unread_ = to_toolkit(line);
+        }
+    }
+    if (!unread_.empty()) {
+        names_.clear();
+        movie_names_.clear();
+    }
 }
 
 void ViewAlbumDialog::label_button(Gtk::Button& button, e_message_local_t text, const sigc::slot<void>& action) {

@@ -31,6 +31,7 @@ class ViewAlbumDialog : public Gtk::Dialog {
     bool on_window_state_event(GdkEventWindowState* event) override;
 
   private:
+    void list_files();
     void make_overview();
     void make_movies();
     void make_photo_page();
