@@ -217,10 +217,21 @@ bool MakeAlbumDialog::list_source() {
     grid_.reset(items_.size(), photos_in_row());
     if (is_complete_) {
         comment_texts_t found;
-        loadcomment(listed_from_, found.title, found.head, found.last);
-        texts_.fill(found);
+        const unread_text_t unread = load_comments_in(found, listed_from_);
+        fill_texts(found, unread);
     }
     return is_complete_;
+}
+
+// Without a word a text that can't be read would pass for none, and the album be made without it.
+void MakeAlbumDialog::fill_texts(const comment_texts_t& found, const unread_text_t& unread) {
+    texts_.fill(found);
+    if (unread) {
+        report_unread(unread);
+        notice_.set_text(message_text(msg_text_unreadable) + "\n" +
+                         to_toolkit(unread.path + ": " + unread.reason.message()));
+        notice_.show();
+    }
 }
 
 MakeAlbumDialog::cell_t::cell_t(MakeAlbumDialog& owner, size_t place)
@@ -256,12 +267,13 @@ MakeAlbumDialog::cell_t* MakeAlbumDialog::find_cell(size_t index) const {
 bool MakeAlbumDialog::load_album_texts() {
     loaded_to_ = get_to();
     comment_texts_t found;
-    if (loaded_to_.empty() || !loadcommenttxt(loaded_to_, found.title, found.head, found.last)) {
+    if (loaded_to_.empty() || !is_exist(entry_path(loaded_to_, layout::text))) {
         return false;
     }
-    texts_.fill(found);
+    const unread_text_t unread = load_comments(found, loaded_to_);
+    fill_texts(found, unread);
     show_all_children();
-    return true;
+    return !unread;
 }
 
 bool MakeAlbumDialog::choose_folder(std::string& folder, e_message_local_t title, const std::string& start) {

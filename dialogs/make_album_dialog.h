@@ -76,6 +76,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
     bool list_source();
     [[nodiscard]] cell_t* find_cell(size_t index) const;
     bool load_album_texts();
+    void fill_texts(const comment_texts_t& found, const unread_text_t& unread);
     [[nodiscard]] bool choose_folder(std::string& folder, e_message_local_t title, const std::string& start);
 
     const std::string& bookdir_;
@@ -90,7 +91,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
     Gtk::Button from_button_;
     Gtk::Button to_button_;
     Gtk::Label table_caption_;
-    Gtk::Label notice_;  // stands for an empty table
+    Gtk::Label notice_;  // stands for an empty table, or tells of a text that can't be read
     Gtk::ScrolledWindow scroller_;
     Gtk::Table table_;
     Gtk::HBox button_row_;

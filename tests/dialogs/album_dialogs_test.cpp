@@ -247,6 +247,11 @@ TEST(AlbumDialogs, what_can_not_be_listed_is_not_shown) {
     click(maker, "Update List");
     click(maker, "P.JPG");
     EXPECT_EQ(1U, maker.selected_files().size());
+    const std::string head = album.dir / "original/head.txt";
+    ASSERT_EQ(0, mkdir(head.c_str(), 0755));
+    EXPECT_NE("", stderr_of([&] { click(maker, "Update List"); }));
+    EXPECT_TRUE(shows_text(maker, message_text(msg_text_unreadable) + "\n" + head + ": Is a directory"));
+    rmdir(head.c_str());
     rename((album.dir / "original").c_str(), (album.dir / "kept").c_str());
     ASSERT_EQ(0, symlink("original", (album.dir / "original").c_str()));
     EXPECT_FALSE(maker.leave_from(nullptr));
