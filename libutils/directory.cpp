@@ -103,7 +103,7 @@ bool is_temporary(const std::string& name) {
     }
     const std::string_view rest = std::string_view(name).substr(prefix.size());
     const size_t dash = rest.find('-');
-    return dash != std::string_view::npos && is_number(rest.substr(0, dash)) && is_number(rest.substr(dash + 1));
+    return dash != std::string_view::npos && is_number(rest.substr(0, dash)) && dash + 1 < rest.size();
 }
 
 bool mkdir(const char* path) {

@@ -20,7 +20,8 @@ namespace libutils {
 [[nodiscard]] bool getfiles(std::list<std::string>& out, const char* dir);
 [[nodiscard]] bool getdirs(std::list<std::string>& out, const char* dir);
 
-// Names of files that are not finished yet: this, the number of the process, "-" and a count.
+// Names of files that are not finished yet, or only there to try something: this, the number of the process, "-", and a
+// count or a name.
 constexpr const char* temporary_prefix = ".taloram-new-";
 [[nodiscard]] bool is_temporary(const std::string& name);
 

@@ -59,7 +59,7 @@ TEST(FileCopy, CopiesBytesAndTimes) {
 
 TEST(Listings, UnfinishedFilesAreLeftOut) {
     const test_support::temp_dir_t dir;
-    for (const char* name : {".taloram-new-12-3", ".taloram-new-12", ".taloram-new-a-3"}) {
+    for (const char* name : {".taloram-new-12-3", ".taloram-new-12-IMG.JPG", ".taloram-new-12", ".taloram-new-a-3"}) {
         write_file(dir / name, std::string("x"));
     }
     std::list<std::string> names;
