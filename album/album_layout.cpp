@@ -11,8 +11,8 @@
 #include <set>
 #include <string_view>
 
-#include "libutils/directory.h"
-#include "libutils/path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
 
 namespace taloram {
 

@@ -2,16 +2,16 @@
 
 #include <list>
 
-#include "album/album_pages.h"
 #include "album/album_walk.h"
-#include "album/book_index.h"
 #include "album/engine_step.h"
-#include "album/pending_turn.h"
-#include "album/reduced_sizes.h"
+#include "album/pages/album_pages.h"
+#include "album/pages/book_index.h"
+#include "album/sizes/reduced_sizes.h"
+#include "album/turn/pending_turn.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
-#include "libutils/new_file.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/new_file.h"
 
 namespace taloram {
 

@@ -10,8 +10,8 @@
 #include "album/album_layout.h"
 #include "album/engine_step.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
 
 namespace taloram {
 

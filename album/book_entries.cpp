@@ -3,9 +3,9 @@
 #include <list>
 
 #include "album/album_layout.h"
-#include "album/text_file.h"
-#include "libutils/directory.h"
-#include "libutils/text.h"
+#include "album/texts/text_file.h"
+#include "libutils/files/directory.h"
+#include "libutils/text/text.h"
 
 namespace taloram {
 

@@ -4,7 +4,7 @@
 #include <system_error>
 #include <vector>
 
-#include "album/comment_store.h"
+#include "album/texts/comment_store.h"
 
 namespace taloram {
 

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "libutils/directory.h"
+#include "libutils/files/directory.h"
 #include "talolib/option.h"
 
 namespace taloram {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libutils/worker_processes.h"
+#include "libutils/process/worker_processes.h"
 
 namespace taloram {
 

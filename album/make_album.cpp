@@ -6,17 +6,17 @@
 #include <filesystem>
 #include <iostream>
 
-#include "album/book_index.h"
-#include "album/comment_store.h"
 #include "album/engine_step.h"
-#include "album/import_check.h"
-#include "album/verification.h"
+#include "album/import/import_check.h"
+#include "album/pages/book_index.h"
+#include "album/sums/verification.h"
+#include "album/texts/comment_store.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
-#include "libutils/program.h"
-#include "libutils/system_path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
+#include "libutils/text/text.h"
 #include "talolib/option.h"
 
 namespace taloram {
@@ -63,8 +63,8 @@ class maker_t {
     [[nodiscard]] bool has_fit_source() const {
         const bool is_fit = !is_unfit_source(order_.source, order_.album);
         if (!is_fit) {
-            libutils::report(libutils::one_line(order_.source), ": inside the album ", libutils::one_line(order_.album),
-                             "; only its original/ can be imported again.");
+            libutils::report(libutils::printable(order_.source), ": inside the album ",
+                             libutils::printable(order_.album), "; only its original/ can be imported again.");
         }
         return is_fit;
     }
@@ -80,12 +80,12 @@ class maker_t {
             conflicts = find_conflicts(order_.source, order_.files, order_.album);
         }
         for (const std::string& path : conflicts) {
-            libutils::report(libutils::one_line(path), ": there already, with other contents.");
+            libutils::report(libutils::printable(path), ": there already, with other contents.");
         }
         const auto add_once = [&](const std::string& path, const std::string& what) {
             if (std::find(conflicts.begin(), conflicts.end(), path) == conflicts.end()) {
                 conflicts.push_back(path);
-                libutils::report(libutils::one_line(path), ": ", what);
+                libutils::report(libutils::printable(path), ": ", what);
             }
         };
         const bool keeps = keeps_sums(order_.source, order_.files, order_.album, replaces, add_once);
@@ -95,7 +95,7 @@ class maker_t {
     [[nodiscard]] bool has_distinct_names() {
         const std::error_code failure = find_clashes(result_.clashes, order_.files, order_.album);
         for (const auto& [a, b] : result_.clashes) {
-            libutils::report(libutils::one_line(entry_path(order_.album, a)), ", ", libutils::one_line(b),
+            libutils::report(libutils::printable(entry_path(order_.album, a)), ", ", libutils::printable(b),
                              ": one file for the album's disk; rename one before the import.");
         }
         return !failure && result_.clashes.empty();

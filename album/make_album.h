@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "album/import.h"
-#include "album/name_check.h"
+#include "album/import/import.h"
+#include "album/import/name_check.h"
 #include "album/progress.h"
 
 namespace taloram {

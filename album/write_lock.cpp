@@ -13,7 +13,7 @@
 #include <thread>
 
 #include "libutils/diagnostics.h"
-#include "libutils/program.h"
+#include "libutils/text/text.h"
 
 namespace taloram {
 
@@ -51,7 +51,7 @@ void report_refusal(const std::string& directory, int error) {
     static bool is_told = false;
     if (!is_told) {
         is_told = true;
-        libutils::report(libutils::one_line(directory), ": can't be locked, ", std::strerror(error),
+        libutils::report(libutils::printable(directory), ": can't be locked, ", std::strerror(error),
                          "; let no other program write there meanwhile.");
     }
 }
@@ -120,7 +120,7 @@ write_lock_t::~write_lock_t() {
 bool lock_album(write_lock_t& lock, const std::string& directory) {
     const std::error_code given_up = lock.acquire(directory);
     if (given_up) {
-        libutils::report(libutils::one_line(directory), ": another program writes there, ", given_up.message());
+        libutils::report(libutils::printable(directory), ": another program writes there, ", given_up.message());
     }
     return !given_up;
 }

@@ -12,8 +12,8 @@
 #include <vector>
 
 #include "album/book_entries.h"
-#include "dialogs/row_table.h"
-#include "settings/message.h"
+#include "messages/message.h"
+#include "widgets/row_table.h"
 
 namespace taloram {
 

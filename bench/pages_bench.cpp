@@ -4,8 +4,8 @@
 #include <optional>
 #include <sstream>
 
-#include "album/album_pages.h"
-#include "album/reduced_sizes.h"
+#include "album/pages/album_pages.h"
+#include "album/sizes/reduced_sizes.h"
 #include "bench/scratch_directory.h"
 #include "libutils/diagnostics.h"
 #include "shooting_data/exif_summary.h"

@@ -3,7 +3,7 @@
 
 #include "album/album_layout.h"
 #include "bench/scratch_directory.h"
-#include "dialogs/thumbnails.h"
+#include "widgets/thumbnails.h"
 
 // Previews for the dialogs: of the camera's thumbnail, and of the whole picture where there is none.
 namespace {

@@ -6,11 +6,11 @@
 #include <string>
 
 #include "album/album_layout.h"
-#include "album/reduced_sizes.h"
-#include "dialogs/thumbnails.h"
+#include "album/sizes/reduced_sizes.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
-#include "libutils/memory.h"
+#include "libutils/files/directory.h"
+#include "libutils/process/memory.h"
+#include "widgets/thumbnails.h"
 
 // steps turn <from> <to>      turns every photograph of a directory a quarter clockwise, into another one
 // steps previews <directory>  loads the previews of all photographs of a directory

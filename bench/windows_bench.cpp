@@ -10,7 +10,7 @@
 #include <string>
 
 #include "album/album_layout.h"
-#include "album/comment_store.h"
+#include "album/texts/comment_store.h"
 #include "app/menu_window.h"
 #include "bench/scratch_directory.h"
 #include "dialogs/edit_album_dialog.h"

@@ -5,19 +5,19 @@
 #include <iostream>
 
 #include "album/album_update.h"
-#include "album/comment_store.h"
-#include "album/planned_turn.h"
-#include "album/turn_photo.h"
-#include "dialogs/message_box.h"
-#include "dialogs/table_scroller.h"
+#include "album/texts/comment_store.h"
+#include "album/turn/planned_turn.h"
+#include "album/turn/turn_photo.h"
 #include "dialogs/text_input_dialog.h"
-#include "dialogs/thumbnail_grid.h"
-#include "dialogs/thumbnails.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
-#include "libutils/system_path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/system_path.h"
 #include "talolib/option.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/message_box.h"
+#include "widgets/table_scroller.h"
+#include "widgets/thumbnail_grid.h"
+#include "widgets/thumbnails.h"
 
 namespace taloram {
 

@@ -12,9 +12,9 @@
 #include <vector>
 
 #include "album/album_layout.h"
-#include "dialogs/comment_fields.h"
-#include "dialogs/photo_grid.h"
-#include "dialogs/progress_window.h"
+#include "widgets/comment_fields.h"
+#include "widgets/photo_grid.h"
+#include "widgets/progress_window.h"
 
 namespace taloram {
 

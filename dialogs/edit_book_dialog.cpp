@@ -7,20 +7,20 @@
 #include <map>
 
 #include "album/album_update.h"
-#include "album/book_index.h"
-#include "album/comment_store.h"
+#include "album/pages/book_index.h"
+#include "album/shell_command.h"
+#include "album/texts/comment_store.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/make_album_dialog.h"
 #include "dialogs/make_book_dialog.h"
-#include "dialogs/message_box.h"
-#include "dialogs/raise_window.h"
-#include "dialogs/shell_command.h"
-#include "dialogs/table_scroller.h"
 #include "libutils/diagnostics.h"
-#include "libutils/system_path.h"
-#include "libutils/text.h"
+#include "libutils/files/system_path.h"
+#include "libutils/text/text.h"
 #include "settings/settings.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/message_box.h"
+#include "widgets/raise_window.h"
+#include "widgets/table_scroller.h"
 
 namespace taloram {
 

@@ -13,9 +13,9 @@
 
 #include "album/book_entries.h"
 #include "album/make_album.h"
-#include "dialogs/comment_fields.h"
-#include "dialogs/progress_window.h"
-#include "dialogs/row_table.h"
+#include "widgets/comment_fields.h"
+#include "widgets/progress_window.h"
+#include "widgets/row_table.h"
 
 namespace taloram {
 

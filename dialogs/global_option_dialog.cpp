@@ -3,11 +3,11 @@
 #include <gtkmm/filechooserdialog.h>
 #include <gtkmm/stock.h>
 
-#include "dialogs/table_scroller.h"
-#include "libutils/directory.h"
+#include "libutils/files/directory.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/table_scroller.h"
 
 namespace taloram {
 

@@ -11,8 +11,8 @@
 
 #include <string>
 
-#include "dialogs/kept_text.h"
-#include "settings/message.h"
+#include "messages/message.h"
+#include "widgets/kept_text.h"
 
 namespace taloram {
 

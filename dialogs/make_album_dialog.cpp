@@ -8,14 +8,14 @@
 #include <ctime>
 #include <iostream>
 
-#include "album/comment_store.h"
-#include "dialogs/raise_window.h"
-#include "dialogs/single_line.h"
-#include "dialogs/table_scroller.h"
-#include "dialogs/thumbnails.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
+#include "album/texts/comment_store.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
 #include "talolib/option.h"
+#include "widgets/raise_window.h"
+#include "widgets/single_line.h"
+#include "widgets/table_scroller.h"
+#include "widgets/thumbnails.h"
 
 namespace taloram {
 

@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "album/album_layout.h"
-#include "dialogs/comment_fields.h"
-#include "dialogs/kept_text.h"
-#include "dialogs/photo_grid.h"
+#include "widgets/comment_fields.h"
+#include "widgets/kept_text.h"
+#include "widgets/photo_grid.h"
 
 namespace taloram {
 

@@ -9,14 +9,14 @@
 #include <iostream>
 
 #include "album/album_layout.h"
-#include "album/book_index.h"
-#include "album/comment_store.h"
-#include "dialogs/message_box.h"
-#include "dialogs/table_scroller.h"
+#include "album/pages/book_index.h"
+#include "album/texts/comment_store.h"
 #include "libutils/diagnostics.h"
-#include "libutils/directory.h"
+#include "libutils/files/directory.h"
 #include "talolib/option.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/message_box.h"
+#include "widgets/table_scroller.h"
 
 namespace taloram {
 

@@ -6,7 +6,7 @@
 
 #include <string>
 
-#include "dialogs/comment_fields.h"
+#include "widgets/comment_fields.h"
 
 namespace taloram {
 

@@ -4,10 +4,10 @@
 
 #include <optional>
 
-#include "album/comment_store.h"
-#include "dialogs/message_box.h"
-#include "dialogs/table_scroller.h"
+#include "album/texts/comment_store.h"
 #include "libutils/diagnostics.h"
+#include "widgets/message_box.h"
+#include "widgets/table_scroller.h"
 
 namespace taloram {
 

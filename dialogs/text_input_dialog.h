@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "dialogs/kept_text.h"
+#include "widgets/kept_text.h"
 
 namespace taloram {
 

@@ -7,12 +7,12 @@
 #include <chrono>
 
 #include "album/album_layout.h"
-#include "album/turn_photo.h"
-#include "dialogs/browser.h"
-#include "dialogs/message_box.h"
+#include "album/turn/turn_photo.h"
 #include "dialogs/text_input_dialog.h"
 #include "libutils/diagnostics.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/browser.h"
+#include "widgets/message_box.h"
 
 namespace taloram {
 

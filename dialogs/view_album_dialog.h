@@ -12,11 +12,11 @@
 #include <string>
 #include <vector>
 
-#include "dialogs/photo_view.h"
-#include "dialogs/progress_window.h"
-#include "dialogs/thumbnail_grid.h"
-#include "dialogs/viewer_parts.h"
-#include "settings/message.h"
+#include "messages/message.h"
+#include "widgets/photo_view.h"
+#include "widgets/progress_window.h"
+#include "widgets/thumbnail_grid.h"
+#include "widgets/viewer_parts.h"
 
 namespace taloram {
 

@@ -4,10 +4,10 @@
 #include <gtkmm/buttonbox.h>
 
 #include "album/album_layout.h"
-#include "dialogs/browser.h"
-#include "dialogs/raise_window.h"
 #include "dialogs/view_album_dialog.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/browser.h"
+#include "widgets/raise_window.h"
 
 namespace taloram {
 

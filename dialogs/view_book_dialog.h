@@ -11,8 +11,8 @@
 #include <vector>
 
 #include "album/book_entries.h"
-#include "dialogs/row_table.h"
-#include "dialogs/viewer_parts.h"
+#include "widgets/row_table.h"
+#include "widgets/viewer_parts.h"
 
 namespace taloram {
 

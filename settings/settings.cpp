@@ -2,7 +2,7 @@
 
 #include <cstdlib>
 
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 #include "talolib/locale_name.h"
 
 namespace taloram {

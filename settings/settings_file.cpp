@@ -5,10 +5,10 @@
 #include <sstream>
 
 #include "libutils/diagnostics.h"
-#include "libutils/new_file.h"
-#include "libutils/path.h"
-#include "libutils/read_file.h"
-#include "libutils/text.h"
+#include "libutils/files/new_file.h"
+#include "libutils/files/path.h"
+#include "libutils/files/read_file.h"
+#include "libutils/text/text.h"
 #include "settings/settings.h"
 
 namespace taloram {

@@ -9,8 +9,8 @@
 #include "libgr/jpeg/jpegdata.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libgr/markers/jpeginfo2.h"
-#include "libutils/text.h"
-#include "settings/message.h"
+#include "libutils/text/text.h"
+#include "messages/message.h"
 #include "shooting_data/exif_labels.h"
 #include "talolib/option.h"
 

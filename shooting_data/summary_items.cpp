@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "libgr/exif/makers.h"
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 #include "shooting_data/exif_labels.h"
 #include "talolib/option.h"
 

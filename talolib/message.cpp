@@ -8,9 +8,9 @@
 #include <iostream>
 
 #include "libutils/diagnostics.h"
-#include "libutils/path.h"
-#include "libutils/read_file.h"
-#include "libutils/text.h"
+#include "libutils/files/path.h"
+#include "libutils/files/read_file.h"
+#include "libutils/text/text.h"
 #include "talolib/locale_name.h"
 #include "talolib/option.h"
 

@@ -6,7 +6,7 @@
 
 #include <memory>
 
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 
 namespace taloram {
 

@@ -6,7 +6,7 @@
 #include <initializer_list>
 #include <string>
 
-#include "settings/message.h"
+#include "messages/message.h"
 
 namespace taloram {
 

@@ -7,10 +7,10 @@
 #include <map>
 #include <set>
 
-#include "album/comment_store.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
-#include "libutils/system_path.h"
+#include "album/texts/comment_store.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
 #include "tools/wrong_use.h"
 
 namespace talomake {

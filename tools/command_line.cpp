@@ -6,14 +6,14 @@
 #include <string_view>
 
 #include "album/jobs.h"
-#include "libutils/program.h"
-#include "tools/wrong_use.h"
+#include "libutils/diagnostics.h"
+#include "programs/arguments.h"
 
 namespace talomake {
 
 namespace {
 
-using libutils::plain;
+using programs::plain;
 
 std::optional<uint64_t> parse_decimal(std::string_view text) {
     uint64_t value = 0;
@@ -214,16 +214,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
         "run.\n" +
         app.get_footer());
 
-    try {
-        app.parse(libutils::guarded_arguments(argc, argv));
-    } catch (const CLI::Success& request) {
-        status = app.exit(request);
-        return std::nullopt;
-    } catch (const CLI::Error& error) {
-        const std::vector<std::string> unknown = app.remaining();
-        static_cast<void>(unknown.empty() ? wrong_use(error.what())
-                                          : wrong_use(unknown.front(), ": no such command or option."));
-        status = status_wrong_use;
+    if (!programs::parse_arguments(app, argc, argv, ": no such command or option.", status)) {
         return std::nullopt;
     }
     if (album_app->parsed()) {

@@ -6,25 +6,25 @@
 #include <sstream>
 #include <tuple>
 
-#include "album/album_pages.h"
 #include "album/album_update.h"
 #include "album/album_walk.h"
-#include "album/book_index.h"
 #include "album/engine_step.h"
 #include "album/jobs.h"
 #include "album/make_album.h"
-#include "album/turn_photo.h"
-#include "album/verification.h"
+#include "album/pages/album_pages.h"
+#include "album/pages/book_index.h"
+#include "album/sums/verification.h"
+#include "album/turn/turn_photo.h"
 #include "album/write_lock.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
-#include "libutils/system_path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
+#include "programs/program_path.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "shooting_data/exif_summary.h"
 #include "talolib/message.h"
 #include "talolib/option.h"
-#include "talolib/program_path.h"
 #include "tools/check_arguments.h"
 #include "tools/progress_line.h"
 #include "tools/wrong_use.h"
@@ -43,13 +43,13 @@ bool wait_for_writer(const std::string& directory) {
     static std::string told;
     if (told != directory) {
         told = directory;
-        libutils::report(libutils::one_line(directory), ": another program writes there; waiting for its end.");
+        libutils::report(libutils::printable(directory), ": another program writes there; waiting for its end.");
     }
     return true;
 }
 
 void start_up(const char* program, const run_options_t& options = {}) {
-    const std::string directory = libutils::directory_part(talolib::program_path(program, program_name));
+    const std::string directory = libutils::directory_part(programs::program_path(program, program_name));
     const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
     // Without a settings file the defaults stand.
     std::ignore = loadini(libutils::directory_part(catalogue).c_str(), program_name);
@@ -95,18 +95,18 @@ void report_failed(const album_result_t& result, size_t file_count) {
     }
     if (!left_out.empty()) {
         libutils::report("talomake: ", left_out.size(), " of ", file_count,
-                         " files failed: ", libutils::one_line(names));
+                         " files failed: ", libutils::printable(names));
     }
 }
 
 bool verify_one_album(const std::string& album) {
     size_t count = 0;
     const auto report_finding = [](const std::string& path, const std::string& what) {
-        libutils::report(libutils::one_line(path), ": ", what);
+        libutils::report(libutils::printable(path), ": ", what);
     };
     const bool good = verify_album(album, report_finding, count);
     if (good) {
-        std::cout << libutils::join_text(libutils::one_line(album), ": ", count, count == 1 ? " file" : " files",
+        std::cout << libutils::join_text(libutils::printable(album), ": ", count, count == 1 ? " file" : " files",
                                          " as imported.\n");
     }
     return good;
@@ -119,7 +119,7 @@ class runner_t {
     int operator()(const album_command_t& command) const {
         album_order_t order;
         if (!check_album(command, order)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_, command.run);
         album_result_t result;
@@ -131,13 +131,13 @@ class runner_t {
             std::cout << order.album << "/index.html\n" << std::flush;
         }
         report_failed(result, order.files.size());
-        return result.is_made() && result.import.left_out.empty() ? status_done : status_failed;
+        return result.is_made() && result.import.left_out.empty() ? programs::status_done : programs::status_failed;
     }
 
     int operator()(const update_command_t& command) const {
         std::vector<std::string> directories;
         if (!check_directories(command.directories, directories)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_, command.run);
         shown_progress_t progress(command.run.progress);
@@ -146,13 +146,13 @@ class runner_t {
             good = !update_all(directory, {command.prune ? orphans_t::remove : orphans_t::report}, progress.signals) &&
                    good;
         }
-        return good ? status_done : status_failed;
+        return good ? programs::status_done : programs::status_failed;
     }
 
     int operator()(const verify_command_t& command) const {
         std::vector<std::string> directories;
         if (!check_directories(command.directories, directories)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_);
         bool good = true;
@@ -164,40 +164,40 @@ class runner_t {
             }
             good = outcome.succeeded && outcome.has_album && good;
         }
-        return good ? status_done : status_failed;
+        return good ? programs::status_done : programs::status_failed;
     }
 
     int operator()(const book_command_t& command) const {
         std::vector<std::string> books;
         if (!check_books(command.directories, books)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_);
         bool good = true;
         for (const std::string& book : books) {
             good = makehtmlbook(book) && good;
         }
-        return good ? status_done : status_failed;
+        return good ? programs::status_done : programs::status_failed;
     }
 
     int operator()(const turn_command_t& command) const {
         std::string album;
         if (!check_turn(command, album)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_);
         shown_progress_t progress(progress_mode_t::automatic);
         const turned_t turned = turn_photos(album, command.photos, command.quarter_turns, progress.signals);
-        return step_done(turned != turned_t::none, "turn_photos") && turned == turned_t::all ? status_done
-                                                                                             : status_failed;
+        return step_done(turned != turned_t::none, "turn_photos") && turned == turned_t::all ? programs::status_done
+                                                                                             : programs::status_failed;
     }
 
     int operator()(const exif_command_t& command) const {
         if (!check_photos(command.photos)) {
-            return status_wrong_use;
+            return programs::status_wrong_use;
         }
         start_up(program_);
-        int status = status_done;
+        int status = programs::status_done;
         for (const std::string& photo : command.photos) {
             // A stream of its own: the number format that one summary leaves behind must not reach the next.
             std::ostringstream summary;
@@ -205,7 +205,7 @@ class runner_t {
             std::cout << photo << '\n' << summary.str() << std::endl;
             if (!good) {
                 libutils::report(photo, ": no EXIF summary.");
-                status = status_failed;
+                status = programs::status_failed;
             }
         }
         return status;

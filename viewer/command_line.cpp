@@ -3,8 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 
-#include "libutils/diagnostics.h"
-#include "libutils/program.h"
+#include "programs/arguments.h"
 
 namespace talovue {
 
@@ -30,7 +29,7 @@ std::optional<command_line_t> parse_command_line(int argc, const char* const* ar
     app.set_version_flag("--version", "talovue3 " TALORAM_VERSION);
     app.add_option_function<std::string>(
            "--slideshow",
-           [&line](const std::string& text) { line.slide_seconds = parse_seconds(libutils::plain(text)); },
+           [&line](const std::string& text) { line.slide_seconds = parse_seconds(programs::plain(text)); },
            "go on to the next photograph by itself")
         ->type_name("SECONDS");
     app.add_flag("--fullscreen", line.full_screen, "cover the whole screen")->disable_flag_override();
@@ -41,23 +40,11 @@ std::optional<command_line_t> parse_command_line(int argc, const char* const* ar
         "Keys: arrows, Space, Page Up and Down, Home, End: another photograph; + and - or the wheel: zoom; 1: full "
         "size; 0: fitted; drag: move; R, L: turn the view; I: shooting data; S: slide show; F or F11: full screen; "
         "Escape: back. No file is ever changed.");
-    try {
-        app.parse(libutils::guarded_arguments(argc, argv));
-    } catch (const CLI::Success& request) {
-        status = app.exit(request);
-        return std::nullopt;
-    } catch (const CLI::Error& error) {
-        const std::vector<std::string> unknown = app.remaining();
-        report_wrong_use(unknown.empty() ? error.what() : unknown.front() + ": no such option.");
-        status = status_wrong_use;
+    if (!programs::parse_arguments(app, argc, argv, ": no such option.", status)) {
         return std::nullopt;
     }
-    line.paths = libutils::plain(line.paths);
+    line.paths = programs::plain(line.paths);
     return line;
-}
-
-void report_wrong_use(const std::string& problem) {
-    libutils::report("talovue3: ", libutils::one_line(problem));
 }
 
 }  // namespace talovue

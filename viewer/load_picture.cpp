@@ -14,9 +14,9 @@
 #include <vector>
 
 #include "album/album_layout.h"
-#include "album/photo_sizes.h"
+#include "album/sizes/photo_sizes.h"
 #include "libgr/jpeg/jpeginfo.h"
-#include "settings/message.h"
+#include "messages/message.h"
 #include "shooting_data/exif_summary.h"
 
 namespace talovue {

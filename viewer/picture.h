@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "libutils/system_path.h"
+#include "libutils/files/system_path.h"
 
 namespace talovue {
 

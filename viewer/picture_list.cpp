@@ -4,9 +4,9 @@
 #include <list>
 
 #include "album/album_layout.h"
-#include "libutils/directory.h"
-#include "libutils/path.h"
-#include "libutils/system_path.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
 
 namespace talovue {
 

@@ -10,7 +10,7 @@
 #include <utility>
 
 #include "libutils/diagnostics.h"
-#include "libutils/program.h"
+#include "programs/program.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
 
@@ -175,13 +175,13 @@ void viewer_window_t::open_dropped(const std::vector<Glib::ustring>& uris) {
         try {
             paths.push_back(Glib::filename_from_uri(uri));
         } catch (const Glib::Error&) {
-            libutils::report("talovue3: ", libutils::one_line(uri.raw()), ": not a file of this machine.");
+            libutils::report("talovue3: ", libutils::printable(uri.raw()), ": not a file of this machine.");
         }
     }
     picture_list_t list;
     std::string problem;
     if (!list_pictures(list, paths, problem)) {
-        libutils::report("talovue3: ", libutils::one_line(problem));
+        libutils::report("talovue3: ", libutils::printable(problem));
     } else if (!paths.empty()) {
         view_.set_pictures(std::move(list.pictures), list.first);
         present();

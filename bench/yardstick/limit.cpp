@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "bench/yardstick/levels.h"
-#include "libutils/memory.h"
+#include "libutils/process/memory.h"
 #include "shooting_data/photo_header.h"
 
 // limit [-j <processes>] [-r <quarter turns>] [--rotate-only] <photographs> <output>

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/ofsvector.h"
 
 // The EXIF values that the system keeps. A numeric tag is a vector of its values, empty when the tag is absent; a text
 // is stored with all its bytes, the terminating NUL and padding included. Tag numbers are those of the EXIF 2.32

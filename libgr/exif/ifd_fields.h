@@ -7,7 +7,7 @@
 
 #include "libgr/exif/exif_type.h"
 #include "libgr/exif/ifd_walk.h"
-#include "libutils/byte_reader.h"
+#include "libutils/bytes/byte_reader.h"
 
 namespace libgr {
 

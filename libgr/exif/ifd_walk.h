@@ -4,8 +4,8 @@
 #include <cstdint>
 #include <functional>
 
-#include "libutils/byte_reader.h"
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/byte_reader.h"
+#include "libutils/bytes/ofsvector.h"
 
 namespace libgr {
 

@@ -3,8 +3,8 @@
 #include <memory>
 
 #include "libgr/exif/exif_type.h"
-#include "libutils/byte_order.h"
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/byte_order.h"
+#include "libutils/bytes/ofsvector.h"
 
 namespace libgr {
 

@@ -4,8 +4,8 @@
 #include <cstdint>
 
 #include "libgr/image/image_desc.h"
-#include "libutils/ofsvector.h"
-#include "libutils/refvector.h"
+#include "libutils/bytes/ofsvector.h"
+#include "libutils/bytes/refvector.h"
 
 namespace libgr {
 

@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string_view>
 
-#include "libutils/new_file.h"
+#include "libutils/files/new_file.h"
 
 namespace libgr {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/ofsvector.h"
 
 namespace libgr {
 

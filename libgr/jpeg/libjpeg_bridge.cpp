@@ -7,7 +7,7 @@
 #include <numeric>
 
 #include "libutils/diagnostics.h"
-#include "libutils/memory.h"
+#include "libutils/process/memory.h"
 
 namespace libgr {
 

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "libutils/byte_reader.h"
+#include "libutils/bytes/byte_reader.h"
 #include "libutils/diagnostics.h"
 
 namespace libgr {

@@ -3,9 +3,9 @@
 #include <cstdint>
 #include <iostream>
 
-#include "libutils/byte_reader.h"
+#include "libutils/bytes/byte_reader.h"
+#include "libutils/bytes/ofsvector.h"
 #include "libutils/diagnostics.h"
-#include "libutils/ofsvector.h"
 
 namespace libgr {
 

@@ -1,4 +1,4 @@
-#include "album/comment_store.h"
+#include "album/texts/comment_store.h"
 
 #include "tests/album/album_fixture.h"
 

@@ -1,6 +1,6 @@
 #include <sys/stat.h>
 
-#include "album/import_check.h"
+#include "album/import/import_check.h"
 #include "tests/album/import_fixture.h"
 
 namespace {

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "album/album_update.h"
-#include "album/import.h"
-#include "album/verification.h"
+#include "album/import/import.h"
+#include "album/sums/verification.h"
 #include "tests/album/album_fixture.h"
 
 // An album that is imported into, and what its files and its verification tell.

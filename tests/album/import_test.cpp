@@ -1,4 +1,4 @@
-#include "album/import.h"
+#include "album/import/import.h"
 
 #include "album/album_update.h"
 #include "tests/album/album_fixture.h"

@@ -7,7 +7,7 @@
 #include <cstdlib>
 #include <fstream>
 
-#include "album/reduced_sizes.h"
+#include "album/sizes/reduced_sizes.h"
 #include "tests/album/album_fixture.h"
 
 namespace {

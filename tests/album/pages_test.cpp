@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 
-#include "album/active_markup.h"
-#include "album/album_pages.h"
-#include "album/book_index.h"
-#include "album/comment_store.h"
-#include "album/reduced_sizes.h"
+#include "album/pages/active_markup.h"
+#include "album/pages/album_pages.h"
+#include "album/pages/book_index.h"
+#include "album/sizes/reduced_sizes.h"
+#include "album/texts/comment_store.h"
 #include "talolib/message.h"
 #include "tests/album/album_fixture.h"
 

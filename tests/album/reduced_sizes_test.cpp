@@ -1,8 +1,8 @@
-#include "album/reduced_sizes.h"
+#include "album/sizes/reduced_sizes.h"
 
 #include <chrono>
 
-#include "album/turn_photo.h"
+#include "album/turn/turn_photo.h"
 #include "libgr/image/pixel_operations.h"
 #include "tests/album/album_fixture.h"
 

@@ -1,11 +1,11 @@
-#include "album/turn_photo.h"
+#include "album/turn/turn_photo.h"
 
 #include <map>
 
 #include "album/album_update.h"
-#include "album/pending_turn.h"
-#include "album/planned_turn.h"
-#include "album/reduced_sizes.h"
+#include "album/sizes/reduced_sizes.h"
+#include "album/turn/pending_turn.h"
+#include "album/turn/planned_turn.h"
 #include "tests/album/album_fixture.h"
 
 struct turn_photo_test : album_test_t {

@@ -7,9 +7,9 @@
 #include <optional>
 
 #include "album/album_update.h"
-#include "album/book_index.h"
-#include "album/comment_store.h"
-#include "album/import.h"
+#include "album/import/import.h"
+#include "album/pages/book_index.h"
+#include "album/texts/comment_store.h"
 #include "tests/album/album_fixture.h"
 
 namespace {

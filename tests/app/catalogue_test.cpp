@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
-#include "settings/message.h"
+#include "messages/message.h"
 #include "talolib/message.h"
 
 namespace taloram {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "album/import.h"
+#include "album/import/import.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/edit_book_dialog.h"
 #include "dialogs/make_album_dialog.h"

@@ -7,20 +7,20 @@
 #include <filesystem>
 #include <list>
 
-#include "album/book_index.h"
-#include "album/comment_store.h"
+#include "album/pages/book_index.h"
+#include "album/texts/comment_store.h"
 #include "album/write_lock.h"
 #include "dialogs/edit_album_dialog.h"
 #include "dialogs/edit_book_dialog.h"
 #include "dialogs/make_album_dialog.h"
 #include "dialogs/make_book_dialog.h"
-#include "dialogs/writer_box.h"
-#include "libutils/directory.h"
+#include "libutils/files/directory.h"
 #include "settings/settings.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/writer_box.h"
 
 namespace {
 

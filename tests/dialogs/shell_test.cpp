@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "dialogs/shell_command.h"
+#include "album/shell_command.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 #include "toolkit/text_encoding.h"

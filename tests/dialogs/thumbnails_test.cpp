@@ -1,4 +1,4 @@
-#include "dialogs/thumbnails.h"
+#include "widgets/thumbnails.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -2,7 +2,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "album/import.h"
+#include "album/import/import.h"
 #include "dialogs/view_album_dialog.h"
 #include "dialogs/view_book_dialog.h"
 #include "tests/dialogs/toolkit_driver.h"

@@ -1,9 +1,9 @@
 #include <filesystem>
 #include <string_view>
 
-#include "album/album_pages.h"
-#include "album/book_index.h"
-#include "album/comment_store.h"
+#include "album/pages/album_pages.h"
+#include "album/pages/book_index.h"
+#include "album/texts/comment_store.h"
 #include "talolib/option.h"
 #include "tests/fuzz/fuzz_target.h"
 #include "tests/support/fixtures.h"

@@ -7,7 +7,7 @@
 #include <iostream>
 #include <string>
 
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/ofsvector.h"
 
 // The one function of a target. libFuzzer calls it with inputs of its own making, replay.cpp with saved ones. Whatever
 // goes wrong ends the program.

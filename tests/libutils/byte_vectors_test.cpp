@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 #include <sys/sysinfo.h>
 
-#include "libutils/alloc_new.h"
-#include "libutils/byte_reader.h"
-#include "libutils/memory.h"
-#include "libutils/ofsvector.h"
-#include "libutils/refvector.h"
+#include "libutils/bytes/alloc_new.h"
+#include "libutils/bytes/byte_reader.h"
+#include "libutils/bytes/ofsvector.h"
+#include "libutils/bytes/refvector.h"
+#include "libutils/process/memory.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 

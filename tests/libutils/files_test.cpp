@@ -3,10 +3,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "libutils/directory.h"
-#include "libutils/file_copy.h"
-#include "libutils/path.h"
-#include "libutils/read_file.h"
+#include "libutils/files/directory.h"
+#include "libutils/files/file_copy.h"
+#include "libutils/files/path.h"
+#include "libutils/files/read_file.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 

@@ -1,4 +1,4 @@
-#include "libutils/new_file.h"
+#include "libutils/files/new_file.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -8,7 +8,7 @@
 
 #include <filesystem>
 
-#include "libutils/ofsvector.h"
+#include "libutils/bytes/ofsvector.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 #include "tests/support/restrictions.h"

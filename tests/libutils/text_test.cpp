@@ -1,11 +1,11 @@
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 
 #include <gmock/gmock.h>
 
 #include <clocale>
 #include <sstream>
 
-#include "libutils/path.h"
+#include "libutils/files/path.h"
 
 using testing::ElementsAre;
 

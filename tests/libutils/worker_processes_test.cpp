@@ -1,4 +1,4 @@
-#include "libutils/worker_processes.h"
+#include "libutils/process/worker_processes.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -6,7 +6,7 @@
 
 #include <clocale>
 
-#include "libutils/path.h"
+#include "libutils/files/path.h"
 #include "talolib/option.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"

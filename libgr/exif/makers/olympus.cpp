@@ -2,7 +2,7 @@
 
 #include "libgr/exif/code_labels.h"
 #include "libgr/exif/ifd_fields.h"
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 
 namespace libgr {
 

@@ -5,7 +5,7 @@
 
 #include "libgr/exif/ifd_fields.h"
 #include "libgr/exif/makers/olympus.h"
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 
 namespace libgr {
 

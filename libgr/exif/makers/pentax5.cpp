@@ -1,7 +1,7 @@
 #include "libgr/exif/makers/pentax5.h"
 
 #include "libgr/exif/ifd_fields.h"
-#include "libutils/text.h"
+#include "libutils/text/text.h"
 
 namespace libgr {
 

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "album/album_layout.h"
+#include "album/import/import_file.h"
+#include "album/sums/manifest.h"
+
+// Are the originals and movies what was imported?
+namespace taloram {
+
+// Brings a copy to the disk, reads it back from there and compares it with its source by SHA-256; `sum` is then the sum
+// of both. The album's own file is compared with the sum that `manifest` has of it, if any. No message.
+[[nodiscard]] bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest);
+
+// Gets a file of the album, as a path, and what is wrong with it.
+using finding_t = std::function<void(const std::string& path, const std::string& what)>;
+
+// Looks, before an import writes anything, for listed files whose import would change the sum that SHA256SUMS has of
+// them, although the album's file may be gone or hold the same bytes: one of the two is not what was imported once.
+// An import that replaces files may change the sums of those, but not of files that hold the same bytes already.
+// `found` is called for each; true when there are none. False, after a report, also when the sums can't be read.
+[[nodiscard]] bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                              bool replaces_files, const finding_t& found);
+
+// Brings the names of an import to the disk: the directories of the album, the album and the directory that holds it.
+// Reports a failure.
+[[nodiscard]] bool flush_album_names(const std::string& album);
+
+// Compares the originals and movies of an album with its SHA256SUMS: `found` is called for each that changed or is
+// missing, then for each that has no sum. True when there are none; `count` is the number of sums. False, after
+// a report, when there are no sums, when they contradict each other, or when a directory can't be listed to its end.
+[[nodiscard]] bool verify_album(const std::string& album, const finding_t& found, size_t& count);
+
+}  // namespace taloram

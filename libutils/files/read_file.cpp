@@ -1,0 +1,113 @@
+#include "libutils/files/read_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <new>
+#include <stdexcept>
+
+namespace libutils {
+
+namespace {
+
+class reader_t {
+  public:
+    // O_NONBLOCK: what was exchanged for a pipe meanwhile must not hold the program.
+    explicit reader_t(const std::string& path)
+        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
+    ~reader_t() {
+        if (is_open()) {
+            close(descriptor_);
+        }
+    }
+    reader_t(const reader_t&) = delete;
+    reader_t& operator=(const reader_t&) = delete;
+
+    [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
+    [[nodiscard]] bool query(struct stat& status) const { return fstat(descriptor_, &status) == 0; }
+
+    [[nodiscard]] std::error_code read_all(std::string& contents, uint64_t longest) const {
+        std::array<char, 65536> block{};
+        for (;;) {
+            const ssize_t count = read(descriptor_, block.data(), block.size());
+            if (count < 0 && errno == EINTR) {
+                continue;
+            }
+            if (count <= 0) {
+                return count == 0 ? std::error_code() : last_error();
+            }
+            if (static_cast<uint64_t>(count) > longest - contents.size()) {
+                return make_error_code(std::errc::file_too_large);
+            }
+            contents.append(block.data(), static_cast<size_t>(count));
+        }
+    }
+
+  private:
+    int descriptor_;
+};
+
+// A name longer than names may be belongs to no file.
+std::error_code reason_of(const std::string& path) {
+    const std::error_code failure = last_error();
+    const bool is_name_too_long = failure == std::errc::filename_too_long && path.size() < PATH_MAX;
+    return is_name_too_long ? make_error_code(std::errc::no_such_file_or_directory) : failure;
+}
+
+std::error_code check_kind(const struct stat& status) {
+    if (S_ISDIR(status.st_mode)) {
+        return make_error_code(std::errc::is_a_directory);
+    }
+    return S_ISREG(status.st_mode) ? std::error_code() : make_error_code(refusal_t::not_a_file);
+}
+
+std::error_code read_regular(std::string& contents, const std::string& path, uint64_t longest) {
+    struct stat status {};
+    // Opening a device can set it going.
+    if (stat(path.c_str(), &status) != 0) {
+        return reason_of(path);
+    }
+    if (const std::error_code refused = check_kind(status)) {
+        return refused;
+    }
+    const reader_t reader(path);
+    if (!reader.is_open() || !reader.query(status)) {
+        return last_error();
+    }
+    if (const std::error_code refused = check_kind(status)) {
+        return refused;
+    }
+    const auto size = static_cast<uint64_t>(status.st_size);
+    if (size > longest) {
+        return make_error_code(std::errc::file_too_large);
+    }
+    std::string whole;
+    whole.reserve(size);
+    if (const std::error_code failure = reader.read_all(whole, longest)) {
+        return failure;
+    }
+    if (whole.size() < size) {  // it lost bytes meanwhile
+        return make_error_code(std::errc::io_error);
+    }
+    contents = std::move(whole);
+    return {};
+}
+
+}  // namespace
+
+std::error_code read_file(std::string& contents, const std::string& path, uint64_t longest) {
+    try {
+        return read_regular(contents, path, longest);
+    } catch (const std::bad_alloc&) {
+        return make_error_code(std::errc::not_enough_memory);
+    } catch (const std::length_error&) {
+        return make_error_code(std::errc::not_enough_memory);
+    }
+}
+
+}  // namespace libutils

@@ -1,9 +1,0 @@
-#include "settings/message.h"
-
-namespace taloram {
-
-const char* getmsg(e_message_local_t id) {
-    return talolib::getmsg(id);
-}
-
-}  // namespace taloram

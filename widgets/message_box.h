@@ -1,0 +1,24 @@
+#pragma once
+
+#include <gtkmm/window.h>
+
+#include <string>
+
+#include "messages/message.h"
+
+namespace taloram {
+
+// Modal message boxes, run once. Errors and questions bear the title msg_message_box.
+void show_error(Gtk::Window& parent, e_message_local_t text);
+void show_error(Gtk::Window& parent, const Glib::ustring& text);
+
+// A failure of the engine: the text, and below it at what file, where that is known, and the innermost reason.
+void show_failure(Gtk::Window& parent, e_message_local_t text, const std::string& reason, const std::string& file = "");
+
+// An error box with Yes and No; true for Yes.
+[[nodiscard]] bool ask_yes_no(Gtk::Window& parent, e_message_local_t text);
+
+// A warning titled with its own text, with OK and Cancel; `detail` names what is meant. True for OK.
+[[nodiscard]] bool ask_to_remove(Gtk::Window& parent, e_message_local_t text, const Glib::ustring& detail);
+
+}  // namespace taloram
