@@ -15,14 +15,12 @@
 // link and rename, either counts. Calls: those defined below; one more is a function more.
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -30,6 +28,10 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/support/preloaded.h"
+
+using preloaded::next;
 
 namespace {
 
@@ -102,12 +104,6 @@ std::string path_of(int descriptor) {
     const ssize_t length = readlink(("/proc/self/fd/" + std::to_string(descriptor)).c_str(), path, sizeof path);
     errno = before;
     return length < 0 ? "" : std::string(path, static_cast<size_t>(length));
-}
-
-// The function that this library stands before.
-template <typename Function>
-Function* next(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
 }
 
 template <typename Result, typename Call>
@@ -191,13 +187,10 @@ int utimensat(int directory, const char* path, const timespec times[2], int flag
 
 int open(const char* path, int flags, ...) {
     static auto* const real = next<int(const char*, int, ...)>("open");
-    mode_t mode = 0;
-    if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = preloaded::open_mode(flags, arguments);
+    va_end(arguments);
     return unless_fault(fault("open", path), -1, [&] { return real(path, flags, mode); });
 }
 

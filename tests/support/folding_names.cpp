@@ -6,25 +6,21 @@
 // Only the last component of a path is folded, as a name is by the directory that holds it.
 
 #include <dirent.h>
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <strings.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 
-namespace {
+#include "tests/support/preloaded.h"
 
-// The function that this library stands before.
-template <typename Function>
-Function* next(const char* name) {
-    return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
-}
+using preloaded::next;
+
+namespace {
 
 bool is_folded(const std::string& path) {
     const char* const directory = std::getenv("FOLDED_DIRECTORY");
@@ -55,13 +51,10 @@ extern "C" {
 
 int open(const char* path, int flags, ...) {
     static auto* const real = next<int(const char*, int, ...)>("open");
-    mode_t mode = 0;
-    if ((flags & O_CREAT) != 0 || (flags & O_TMPFILE) == O_TMPFILE) {
-        va_list arguments;
-        va_start(arguments, flags);
-        mode = va_arg(arguments, mode_t);
-        va_end(arguments);
-    }
+    va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = preloaded::open_mode(flags, arguments);
+    va_end(arguments);
     if ((flags & O_TMPFILE) == O_TMPFILE && is_folded(std::string(path) + "/")) {
         errno = EOPNOTSUPP;
         return -1;
