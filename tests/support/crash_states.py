@@ -120,7 +120,7 @@ class log_t:
     def read_record(self, lines):
         unfinished = {}
         for line in lines:
-            pid, time, call = line.rstrip("\n").split(" ", 2)
+            pid, time, call = line.rstrip("\n").split(None, 2)
             if call.endswith("<unfinished ...>"):
                 unfinished[pid] = call[:-len("<unfinished ...>")]
                 clone = re.match(r"(clone3?|v?fork)\(", call)
