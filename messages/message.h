@@ -102,6 +102,17 @@ enum e_message_local_t : talolib::e_message_t {
     msg_photo_damaged = 95,
     msg_names_clash = 96,   // names, two a line, follow
     msg_room_missing = 97,  // an amount follows
+    // looks: 98 to 101
+
+    // the album maker: 102 to 111
+
+    // progress: 112 to 121
+
+    // viewers, trash, desktop: 122 to 136
+
+    // colour: 137 to 144
+
+    msg_reserved_end = 145,
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);
