@@ -9,13 +9,6 @@ namespace taloram {
 
 namespace {
 
-const char* page_charset(const std::string& locale) {
-    if (locale == "ja_JP.SJIS" || locale == "ja-JP") {
-        return "shift_jis";
-    }
-    return libutils::equals_nocase(locale, "ja_JP.eucJP") ? "euc-jp" : "UTF-8";
-}
-
 std::string default_album() {
     const char* home = std::getenv("HOME");
     return home == nullptr ? "album" : std::string(home) + "/" + "album";
@@ -23,11 +16,18 @@ std::string default_album() {
 
 }  // namespace
 
+std::string page_charset() {
+    const std::string locale = talolib::get_locale_name();
+    if (locale == "ja_JP.SJIS" || locale == "ja-JP") {
+        return "shift_jis";
+    }
+    return libutils::equals_nocase(locale, "ja_JP.eucJP") ? "euc-jp" : "UTF-8";
+}
+
 global_t::global_t()
     : from("/mnt/DCIM"),
       album(default_album()),
-      html_header(std::string("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=") +
-                  page_charset(talolib::get_locale_name()) + "\">"),
+      html_header("<meta http-equiv=\"Content-Type\" content=\"text/html; charset=" + page_charset() + "\">"),
       html_address("(C) <a href=\"mailto:you@example.com\">your name</a>, All Rights Reserved.") {
 }
 

@@ -23,6 +23,9 @@ struct global_t {
 
 extern global_t g_global;
 
+// The character set that pages declare: that of the Japanese locales that have another one than UTF-8, else UTF-8.
+[[nodiscard]] std::string page_charset();
+
 // What the settings file goes on saying about a path that the command line replaced for this run.
 struct stored_paths_t {
     std::optional<std::string> from;

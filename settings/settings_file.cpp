@@ -80,15 +80,22 @@ std::string inifile(const char* /*dir*/, const char* name) {
 }
 
 bool loadini(const char* dir, const char* name) {
-    constexpr uint64_t longest = uint64_t{16} << 20;  // bytes
     const std::string path = inifile(dir, name);
+    const std::error_code failure = load_settings(path);
+    if (path.empty() || libutils::is_absent(failure) || failure == std::errc::permission_denied) {
+        return false;
+    }
+    if (failure) {
+        libutils::report(path, ": can't be read, ", failure.message());
+    }
+    return true;
+}
+
+std::error_code load_settings(const std::string& path) {
+    constexpr uint64_t longest = uint64_t{16} << 20;  // bytes
     std::string text;
     if (const std::error_code failure = libutils::read_file(text, path, longest)) {
-        if (path.empty() || libutils::is_absent(failure) || failure == std::errc::permission_denied) {
-            return false;
-        }
-        libutils::report(path, ": can't be read, ", failure.message());
-        return true;
+        return failure;
     }
     std::list<std::string> lines;
     libutils::separate_token(lines, text, "\n");
@@ -99,10 +106,14 @@ bool loadini(const char* dir, const char* name) {
             libutils::report(path, ": can't be used: ", line);
         }
     }
-    return true;
+    return {};
 }
 
 void saveini(const char* dir, const char* name) {
+    static_cast<void>(save_settings(inifile(dir, name)));
+}
+
+std::error_code save_settings(const std::string& path) {
     std::ostringstream out;
     const libutils::classic_numbers numbers(out);
     write_text(out, "from", g_stored_paths.from.value_or(g_global.from));
@@ -112,10 +123,10 @@ void saveini(const char* dir, const char* name) {
     writeiniline(out, "horizontal_items", g_global.horizontal_items);
     write_text(out, "html_header", g_global.html_header);
     write_text(out, "html_address", g_global.html_address);
-    libutils::new_file_t file(inifile(dir, name), libutils::staging_t::beside);
+    libutils::new_file_t file(path, libutils::staging_t::beside);
     file.open_as_old();
     file.write(out.str());
-    static_cast<void>(file.commit_to_disk());
+    return file.commit_to_disk();
 }
 
 }  // namespace taloram

@@ -3,6 +3,8 @@
 #include <ostream>
 #include <string>
 
+#include "libutils/system_error.h"
+
 namespace taloram {
 
 // The settings file: HOME, "/." and the basename of `name`; "" when HOME is unset. `dir` is not used.
@@ -17,6 +19,11 @@ namespace taloram {
 // Writes g_global to the settings file, with g_stored_paths in place of paths that count for this run only; the old one
 // stays when that fails. Texts lose their line ends: a setting is a line. Reports nothing.
 void saveini(const char* dir, const char* name);
+
+// The same two with the reason of a failure in place of a message: for a program that changes one setting and must not
+// write defaults over what it could not read. A missing file is a failure like others: libutils::is_absent().
+[[nodiscard]] std::error_code load_settings(const std::string& path);
+[[nodiscard]] std::error_code save_settings(const std::string& path);
 
 // One line of the settings file: key, "=", value, CR LF.
 template <typename T>

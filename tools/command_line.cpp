@@ -189,6 +189,18 @@ CLI::App* define_exif(CLI::App& app, exif_command_t& command) {
     return exif;
 }
 
+CLI::App* define_look(CLI::App& app, look_command_t& command) {
+    CLI::App* const look = app.add_subcommand("look", "List looks of pages, print the line of one, or use it");
+    CLI::Option* const name = look->add_option_function<std::string>(
+                                      "name", [&command](const std::string& text) { command.name = plain(text); },
+                                      "a look that is listed, or with a / the path of one; without it all are listed")
+                                  ->type_name("");
+    look->add_flag("--set", command.set, "write the line into the settings file, as html_header")
+        ->disable_flag_override()
+        ->needs(name);
+    return look;
+}
+
 }  // namespace
 
 std::optional<command_t> parse_command_line(int argc, const char* const* argv, int& status) {
@@ -203,12 +215,14 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     book_command_t book;
     turn_command_t turn;
     exif_command_t exif;
+    look_command_t look;
     const CLI::App* const album_app = define_album(app, album);
     const CLI::App* const update_app = define_update(app, update);
     const CLI::App* const verify_app = define_verify(app, verify);
     const CLI::App* const book_app = define_book(app, book);
     const CLI::App* const turn_app = define_turn(app, turn);
     define_exif(app, exif);
+    const CLI::App* const look_app = define_look(app, look);
     app.footer(
         "Each command has --help. Settings are those of the file .taloram in the home directory; options win for one "
         "run.\n" +
@@ -239,6 +253,9 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
         turn.album = plain(turn.album);
         turn.photos = plain(turn.photos);
         return turn;
+    }
+    if (look_app->parsed()) {
+        return look;
     }
     exif.photos = plain(exif.photos);
     return exif;

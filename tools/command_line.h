@@ -68,8 +68,13 @@ struct exif_command_t {
     std::vector<std::string> photos;
 };
 
-using command_t =
-    std::variant<album_command_t, update_command_t, verify_command_t, book_command_t, turn_command_t, exif_command_t>;
+struct look_command_t {
+    std::optional<std::string> name;  // empty: all are listed
+    bool set = false;                 // into the settings file
+};
+
+using command_t = std::variant<album_command_t, update_command_t, verify_command_t, book_command_t, turn_command_t,
+                               exif_command_t, look_command_t>;
 
 // The command to run. Empty when there is none: `status` is then what the program ends with, after help or the version
 // went to standard output or one line about wrong use to standard error.

@@ -26,6 +26,7 @@
 #include "talolib/message.h"
 #include "talolib/option.h"
 #include "tools/check_arguments.h"
+#include "tools/look_command.h"
 #include "tools/progress_line.h"
 #include "tools/wrong_use.h"
 
@@ -34,9 +35,6 @@ namespace talomake {
 using namespace taloram;
 
 namespace {
-
-// The catalogue and the settings file are those of the program with the window.
-constexpr const char* program_name = "taloram";
 
 // One line for each place that is waited for; waiting ends when the user ends the program.
 bool wait_for_writer(const std::string& directory) {
@@ -210,6 +208,8 @@ class runner_t {
         }
         return status;
     }
+
+    int operator()(const look_command_t& command) const { return run_look(program_, command); }
 
   private:
     const char* program_;

@@ -70,10 +70,11 @@ check_completion() {
     # shellcheck source=data/completion/talomake
     source "$share/bash-completion/completions/talomake"
     local program=$prefix/bin/talomake
-    [[ "$(offered "$program" "")" == album*exif* ]] || fail "completion of commands"
+    [[ "$(offered "$program" "")" == album*exif*look* ]] || fail "completion of commands"
     [[ "$(offered "$program" album --)" == *"--title"*"--rotate"*"--progress"* ]] || fail "completion of options"
     [ "$(offered "$program" exif --)" = "--help --html" ] || fail "completion of the options of exif"
     [ "$(offered "$program" album --progress a)" = "auto always" ] || fail "completion of values"
+    [ "$(offered "$program" look --set "")" = "bare gallery plain" ] || fail "completion of looks"
     [ "$(offered "$program" album --title x "$share/doc/tal")" = "$share/doc/taloram" ] || fail "completion of paths"
     [ "$(offered "$program" album "$share/metainfo" new "")" = org.taloram.taloram.metainfo.xml ] || fail "completion of names"
 }

@@ -4,6 +4,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
+#include "settings/looks.h"
 #include "settings/settings_file.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -127,6 +130,59 @@ TEST(Settings, WhatIsNoFileIsNeitherReadNorReplaced) {
         EXPECT_TRUE(stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode)) << "it stays";
         ASSERT_EQ(unlink(path.c_str()), 0);
     }
+}
+
+TEST(Looks, AreLinesOfTheirFiles) {
+    struct case_t {
+        const char *text, *description, *line;  // no line: can't be used
+    };
+    const std::string long_text(60'001, 'x');
+    const case_t cases[] = {
+        {"", "", ""},
+        {"<!-- One\nlook -->\n\n  <a>\r\n\t<!-- kept --> <b>\t\n", "One\nlook", "<a> <!-- kept --> <b>"},
+        {"<!-- no end\n<a>", "", "<!-- no end <a>"},
+        {"charset=UTF-8 lang ||= \"en\"", "", "charset=euc-jp lang ||= \"ja-JP\""},
+        {long_text.c_str(), "", nullptr},
+        {"a\x1b[2J", "", nullptr},
+    };
+    const test_support::temp_dir_t dir;
+    setenv("LANG", "ja_JP.eucJP", 1);
+    for (const case_t& c : cases) {
+        SCOPED_TRACE(std::string(c.text).substr(0, 20));
+        test_support::write_file(dir / "a.look.html", std::string(c.text));
+        taloram::look_t look;
+        EXPECT_EQ(!taloram::load_look(look, dir / "a.look.html"), c.line != nullptr);
+        EXPECT_EQ(look.name, c.line == nullptr ? "" : "a.look");
+        EXPECT_EQ(look.description, c.description);
+        EXPECT_EQ(look.line, c.line == nullptr ? "" : c.line);
+    }
+    EXPECT_TRUE(taloram::installed_looks(dir / "none/").empty());
+}
+
+TEST(Looks, ThatComeWithTheProgramPassTheSettingsFile) {
+    const test_support::temp_dir_t home;
+    setenv("HOME", home.path().c_str(), 1);
+    setenv("LANG", "", 1);
+    const auto looks = taloram::installed_looks(TALORAM_DATA "/");
+    ASSERT_EQ(looks.size(), 3U);
+    EXPECT_EQ(looks[0].line, taloram::global_t().html_header);
+    for (const taloram::look_t& look : looks) {
+        SCOPED_TRACE(look.name);
+        EXPECT_NE(look.description, "");
+        EXPECT_TRUE(look.line.starts_with(taloram::global_t().html_header));
+        // ASCII, for pages in any encoding; nothing from elsewhere; scripts only where they are what the look is about.
+        EXPECT_TRUE(std::all_of(look.line.begin(), look.line.end(), [](char c) { return c >= ' ' && c <= '~'; }));
+        for (const char* fetch : {"://", "url(", "@import", "src=", "<link"}) {
+            EXPECT_EQ(look.line.find(fetch), std::string::npos) << fetch;
+        }
+        EXPECT_EQ(look.line.find("<script") != std::string::npos, look.name == "gallery");
+        g_global.html_header = look.line;
+        EXPECT_FALSE(taloram::save_settings(home / ".taloram"));
+        g_global = taloram::global_t();
+        EXPECT_FALSE(taloram::load_settings(home / ".taloram"));
+        EXPECT_EQ(g_global.html_header, look.line);
+    }
+    g_global = taloram::global_t();
 }
 
 }  // namespace

@@ -69,6 +69,7 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         "album card new --shrink-size 1024;album card new --shrink-size 1024x768;album card new --shrink-size -1,5;"
         "album card new --quality 101;album card new --quality '';album card new --progress often;"
         "verify;verify none;verify card --prune;album card new --verify=1;"
+        "look none;look ./none;look card/clip.MOV/;look --set;look --set none;look plain gallery;"
         "album card new --title 'two\nlines';album card new --head none;album card new --last card");
     for (std::string use; std::getline(uses, use, ';');) {
         SCOPED_TRACE(use);
@@ -78,7 +79,7 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         EXPECT_THAT(result.err, MatchesRegex("talomake: [^\n]+\n"));
         EXPECT_EQ(run(state).out, before);
     }
-    for (const std::string command : {"", "album ", "update ", "verify ", "book ", "turn ", "exif "}) {
+    for (const std::string command : {"", "album ", "update ", "verify ", "book ", "turn ", "exif ", "look "}) {
         EXPECT_THAT(run("talomake " + command + "--help").out, HasSubstr("talomake " + command + "[OPTIONS] "));
     }
 }
@@ -119,6 +120,27 @@ TEST_F(talomake, honours_the_settings_file_and_lets_options_win) {
     EXPECT_EQ(run("talomake album card small --shrink-size 50,50").status, 0);
     EXPECT_GT(read_file(home_ / "high/size1/a.jpg").size(), read_file(home_ / "low/size1/a.jpg").size());
     EXPECT_EQ(run("ls */size2/a.jpg").out, "small/size2/a.jpg\n");
+}
+
+TEST_F(talomake, sets_a_look_and_nothing_else) {
+    EXPECT_THAT(run("talomake look").out, MatchesRegex("\\* bare     .+\n  gallery  .+\n  plain    .+\n"));
+    const std::string settings = "shrink_size=50,50\r\nhtml_header=<mine>\r\n";
+    write_file(home_ / ".taloram", settings);
+    EXPECT_THAT(run("talomake look --set gallery").out, HasSubstr("It was: <mine>\n"));
+    EXPECT_THAT(run("talomake look").out, HasSubstr("\n* gallery "));
+    EXPECT_EQ(run("talomake album card new && ls -d new/size2").status, 0) << "the size that was set";
+    EXPECT_EQ(run("talomake look gallery >line; grep -cxFe \"\t$(cat line)\" new/index.html new/list.html "
+                  "new/html/a_1.html")
+                  .out,
+              "new/index.html:1\nnew/list.html:1\nnew/html/a_1.html:1\n");
+    EXPECT_EQ(run("echo '<meta>' >own.html; talomake look --set ./own.html && talomake look ./own.html").status, 0);
+    EXPECT_THAT(run("cat .taloram").out, HasSubstr("\r\nhtml_header=<meta>\r\n"));
+    // What can't be read is not replaced by defaults.
+    const result_t unread = run("rm .taloram; mkdir .taloram; talomake look --set plain");
+    EXPECT_EQ(unread.status, 1);
+    EXPECT_EQ(unread.out, "");
+    EXPECT_THAT(unread.err, MatchesRegex(".*/.taloram: can't be read, [^\n]+\n"));
+    EXPECT_EQ(run("unset HOME; talomake look --set plain").status, 1);
 }
 
 TEST_F(talomake, shows_progress_apart_from_errors) {
