@@ -164,6 +164,7 @@ int main(int argc, char** argv) {
     setenv("GTK_THEME", "Adwaita", 1);
     setenv("NO_AT_BRIDGE", "1", 1);
     unsetenv("LANG");
+    unsetenv("XDG_CONFIG_HOME");
     testing::InitGoogleMock(&argc, argv);
     Gtk::Main toolkit(argc, argv);
     EXPECT_NE("", talolib::init_message(TALORAM_CATALOGUES "/", "taloram"));
