@@ -4,10 +4,10 @@
 #include <gtkmm/filechooserdialog.h>
 #include <gtkmm/stock.h>
 
-#include <array>
 #include <ctime>
 #include <iostream>
 
+#include "album/day_name.h"
 #include "album/texts/comment_store.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/path.h"
@@ -31,15 +31,9 @@ constexpr int least_height = 90;   // pixels
 constexpr int view_width = 300;    // pixels
 constexpr int view_height = 100;   // pixels
 
-// Today as eight digits.
-std::string date_name() {
-    const time_t now = time(nullptr);
-    struct tm today {};
-    std::array<char, 16> text{};
-    if (localtime_r(&now, &today) == nullptr) {
-        return {};
-    }
-    return {text.data(), strftime(text.data(), text.size(), "%Y%m%d", &today)};
+std::string todays_name() {
+    const std::optional<day_t> today = local_day(time(nullptr));
+    return today ? day_name(*today) : "";
 }
 
 void set_up_entry(Gtk::Label& label, Gtk::Entry& entry, e_message_local_t text, std::string& taken) {
@@ -66,7 +60,7 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
       table_(1, 1),
       grid_(scroller_, table_, rows_per_file, [this](size_t index) { return std::make_unique<cell_t>(*this, index); }) {
     from_entry_.set_text(from_.keep(from));
-    to_entry_.set_text(date_name());
+    to_entry_.set_text(todays_name());
     set_up_widgets();
     pack();
     connect();

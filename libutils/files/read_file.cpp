@@ -1,56 +1,31 @@
 #include "libutils/files/read_file.h"
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <climits>
 #include <new>
 #include <stdexcept>
+
+#include "libutils/files/open_file.h"
 
 namespace libutils {
 
 namespace {
 
-class reader_t {
-  public:
-    // O_NONBLOCK: what was exchanged for a pipe meanwhile must not hold the program.
-    explicit reader_t(const std::string& path)
-        : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {}
-    ~reader_t() {
-        if (is_open()) {
-            close(descriptor_);
+std::error_code read_all(std::string& contents, const open_file_t& file, uint64_t longest) {
+    std::array<char, 65536> block{};
+    for (;;) {
+        const ssize_t count = file.read_some(block.data(), block.size());
+        if (count <= 0) {
+            return count == 0 ? std::error_code() : last_error();
         }
-    }
-    reader_t(const reader_t&) = delete;
-    reader_t& operator=(const reader_t&) = delete;
-
-    [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
-    [[nodiscard]] bool query(struct stat& status) const { return fstat(descriptor_, &status) == 0; }
-
-    [[nodiscard]] std::error_code read_all(std::string& contents, uint64_t longest) const {
-        std::array<char, 65536> block{};
-        for (;;) {
-            const ssize_t count = read(descriptor_, block.data(), block.size());
-            if (count < 0 && errno == EINTR) {
-                continue;
-            }
-            if (count <= 0) {
-                return count == 0 ? std::error_code() : last_error();
-            }
-            if (static_cast<uint64_t>(count) > longest - contents.size()) {
-                return make_error_code(std::errc::file_too_large);
-            }
-            contents.append(block.data(), static_cast<size_t>(count));
+        if (static_cast<uint64_t>(count) > longest - contents.size()) {
+            return make_error_code(std::errc::file_too_large);
         }
+        contents.append(block.data(), static_cast<size_t>(count));
     }
-
-  private:
-    int descriptor_;
-};
+}
 
 // A name longer than names may be belongs to no file.
 std::error_code reason_of(const std::string& path) {
@@ -75,8 +50,8 @@ std::error_code read_regular(std::string& contents, const std::string& path, uin
     if (const std::error_code refused = check_kind(status)) {
         return refused;
     }
-    const reader_t reader(path);
-    if (!reader.is_open() || !reader.query(status)) {
+    const open_file_t file(path);
+    if (!file.query(status)) {
         return last_error();
     }
     if (const std::error_code refused = check_kind(status)) {
@@ -88,7 +63,7 @@ std::error_code read_regular(std::string& contents, const std::string& path, uin
     }
     std::string whole;
     whole.reserve(size);
-    if (const std::error_code failure = reader.read_all(whole, longest)) {
+    if (const std::error_code failure = read_all(whole, file, longest)) {
         return failure;
     }
     if (whole.size() < size) {  // it lost bytes meanwhile
