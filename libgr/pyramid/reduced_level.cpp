@@ -22,8 +22,8 @@ bool reduced_level_t::prepare(JDIMENSION width, JDIMENSION height, unsigned comp
     height_ = height;
     components_ = components;
     next_ = next;
-    // Room for the columns that fill the last block.
-    const size_t stride = round_up(round_up(width, 2 * DCTSIZE), row_alignment);
+    // Room for the columns that fill the last block, and for whole groups of blocks.
+    const size_t stride = round_up(width, row_alignment);
     const size_t rows = components == 1 ? DCTSIZE : 2 * 3 + strip_rows + 2 * DCTSIZE;
     if (!memory_.resize(rows * stride)) {
         return false;
@@ -46,6 +46,10 @@ bool reduced_level_t::prepare(JDIMENSION width, JDIMENSION height, unsigned comp
 }
 
 void reduced_level_t::start(int quality, const jpeg_marker_struct* segments) {
+    if (encoder_) {
+        encoder_->start(width_, height_, segments);
+        return;
+    }
     writer_->create();
     jpeg_compress_struct& info = writer_->info;
     set_up_encoder(info, {width_, height_, components_ == 1 ? JCS_GRAYSCALE : JCS_RGB, static_cast<int>(components_),
@@ -103,7 +107,7 @@ void reduced_level_t::encode_gray(bool last) {
         strip[i] = rows_[std::min(i, end - 1)][0];  // libjpeg repeats the last row, too
     }
     JSAMPARRAY planes[] = {strip.data()};
-    (void)jpeg_write_raw_data(&writer_->info, planes, DCTSIZE);
+    encode_strip(planes);
 }
 
 void reduced_level_t::encode_color(bool last) {
@@ -131,11 +135,23 @@ void reduced_level_t::encode_color(bool last) {
         cr[i] = cr_[std::min(i, pair)];
     }
     JSAMPARRAY planes[] = {y.data(), cb.data(), cr.data()};
-    (void)jpeg_write_raw_data(&writer_->info, planes, strip_rows);
+    encode_strip(planes);
 }
 
-void reduced_level_t::finish() {
+void reduced_level_t::encode_strip(JSAMPARRAY* planes) {
+    if (encoder_) {
+        encoder_->take_strip(planes);
+    } else {
+        (void)jpeg_write_raw_data(&writer_->info, planes, components_ == 1 ? DCTSIZE : strip_rows);
+    }
+}
+
+bool reduced_level_t::finish() {
+    if (encoder_) {
+        return encoder_->finish();
+    }
     jpeg_finish_compress(&writer_->info);
+    return true;
 }
 
 }  // namespace libgr

@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "libgr/jpeg/libjpeg_bridge.h"
+#include "libgr/pyramid/baseline_encoder.h"
 
 namespace libgr {
 
@@ -21,9 +22,13 @@ class reduced_level_t {
     // For a picture of that size, 1 or more, with 1 or 3 components; `next` may be null. False when memory is short.
     [[nodiscard]] bool prepare(JDIMENSION width, JDIMENSION height, unsigned components, reduced_level_t* next);
 
-    // Encodes the level into `out`, both of which must outlive it. A fatal error ends the reader's attempt.
-    void encode_into(jpegdata_t& out, decompressor_t& reader) { writer_.emplace(out, reader); }
-    [[nodiscard]] bool is_encoded() const { return writer_.has_value(); }
+    // Encodes the level into `out`. All must outlive it.
+    void encode_into(jpegdata_t& out, encoder_batch_t& batch, const encoder_tables_t& tables) {
+        encoder_.emplace(out, batch, tables);
+    }
+    // The same by libjpeg. A fatal error ends the reader's attempt.
+    void encode_by_libjpeg(jpegdata_t& out, decompressor_t& reader) { writer_.emplace(out, reader); }
+    [[nodiscard]] bool is_encoded() const { return writer_.has_value() || encoder_.has_value(); }
 
     // Starts the encoder; `segments` is what the reader saved, null for none.
     void start(int quality, const jpeg_marker_struct* segments);
@@ -32,7 +37,8 @@ class reduced_level_t {
     [[nodiscard]] const plane_rows_t& row_to_fill() const { return rows_[rows_taken_ % ring_rows()]; }
     void take_row();
 
-    void finish();
+    // False when memory was short.
+    [[nodiscard]] bool finish();
 
     [[nodiscard]] JDIMENSION width() const { return width_; }
 
@@ -44,6 +50,7 @@ class reduced_level_t {
     void repeat_last_column(const plane_rows_t& row) const;
     void encode_gray(bool last);
     void encode_color(bool last);
+    void encode_strip(JSAMPARRAY* planes);
 
     JDIMENSION width_ = 0;
     JDIMENSION height_ = 0;
@@ -56,7 +63,8 @@ class reduced_level_t {
     std::array<JSAMPROW, strip_rows> y_{};
     std::array<JSAMPROW, DCTSIZE> cb_{};
     std::array<JSAMPROW, DCTSIZE> cr_{};
-    std::optional<compressor_t> writer_;
+    std::optional<baseline_encoder_t> encoder_;
+    std::optional<compressor_t> writer_;  // where libjpeg encodes
 };
 
 }  // namespace libgr

@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <memory>
+#include <optional>
+#include <string_view>
 
 #include "libgr/pyramid/reduced_level.h"
 #include "libgr/pyramid/row_sources.h"
@@ -13,19 +17,48 @@ namespace {
 // A picture's sides have 16 bits, which 16 halvings use up (ITU-T T.81 B.2.2).
 constexpr size_t max_levels = 16;
 
+// Lets libjpeg do all coding, for tests and for whoever doubts.
+bool is_left_to_libjpeg() {
+    const char* const coding = std::getenv("TALORAM_CODING");
+    return coding != nullptr && coding == std::string_view("libjpeg");
+}
+
+// The levels' buffers stay from photograph to photograph: fresh memory costs more than what is written there.
+std::array<libutils::bytes_t, max_levels> kept_buffers;
+
+void take_kept_buffer(jpegdata_t& stream, size_t level) {
+    libutils::bytes_t& kept = kept_buffers[level];
+    stream.clear();
+    if (kept.is_allocated() && kept.owns_alone()) {  // nobody has the last photograph's level any more
+        static_cast<libutils::bytes_t&>(stream) = std::move(kept);
+    }
+    kept.clear();
+}
+
+void keep_buffer(const jpegdata_t& stream, size_t level) {
+    kept_buffers[level] = stream;
+}
+
 // All levels: each hands its rows, halved, to the next.
 class pyramid_t {
   public:
     [[nodiscard]] bool prepare(reduction_t& reduction, decompressor_t& reader);
-    void run(const reduction_t& reduction, decompressor_t& reader);
+    void run(reduction_t& reduction, decompressor_t& reader);
+    [[nodiscard]] bool is_complete() const { return complete_; }
+
+  private:
+    void prepare_encoder(size_t level, jpegdata_t& stream, decompressor_t& reader);
+    void finish(reduction_t& reduction);
 
     [[nodiscard]] bool prepare_source(const jpeg_decompress_struct& info) {
         from_planes_ = planes_source_t::fits(info);
         return from_planes_ ? planes_.prepare(info) : rows_.prepare(info);
     }
 
-  private:
     size_t count_ = 0;
+    bool complete_ = false;
+    const encoder_tables_t* tables_ = nullptr;  // null: libjpeg encodes
+    std::optional<encoder_batch_t> batch_;
     std::array<reduced_level_t, max_levels> levels_;
     bool from_planes_ = false;
     planes_source_t planes_;
@@ -48,20 +81,33 @@ bool pyramid_t::prepare(reduction_t& reduction, decompressor_t& reader) {
         std::min(info.image_width, info.image_height) >> count_ == 0) {
         return false;
     }
+    if (!is_left_to_libjpeg()) {
+        tables_ = encoder_tables_t::make(reduction.quality, color ? 3 : 1);
+        batch_.emplace(color ? 3 : 1);
+    }
     for (size_t i = 0; i < count_; ++i) {
         reduced_level_t* const next = i + 1 < count_ ? &levels_[i + 1] : nullptr;
         if (!levels_[i].prepare(info.image_width >> (i + 1), info.image_height >> (i + 1), color ? 3 : 1, next)) {
             return false;
         }
         if (reduction.levels[i].wanted) {
-            reduction.levels[i].stream.clear();
-            levels_[i].encode_into(reduction.levels[i].stream, reader);
+            prepare_encoder(i, reduction.levels[i].stream, reader);
         }
     }
     return prepare_source(info);
 }
 
-void pyramid_t::run(const reduction_t& reduction, decompressor_t& reader) {
+void pyramid_t::prepare_encoder(size_t level, jpegdata_t& stream, decompressor_t& reader) {
+    if (tables_ == nullptr) {
+        stream.clear();
+        levels_[level].encode_by_libjpeg(stream, reader);
+    } else {
+        take_kept_buffer(stream, level);
+        levels_[level].encode_into(stream, *batch_, *tables_);
+    }
+}
+
+void pyramid_t::run(reduction_t& reduction, decompressor_t& reader) {
     for (size_t i = 0; i < count_; ++i) {
         if (levels_[i].is_encoded()) {
             levels_[i].start(reduction.quality, reduction.levels[i].with_segments ? reader.info.marker_list : nullptr);
@@ -72,9 +118,17 @@ void pyramid_t::run(const reduction_t& reduction, decompressor_t& reader) {
     } else {
         rows_.read(reader, levels_[0]);
     }
-    for (size_t i = 0; i < count_ && reader.warnings() == 0; ++i) {
+    if (reader.warnings() == 0) {
+        finish(reduction);
+    }
+}
+
+void pyramid_t::finish(reduction_t& reduction) {
+    complete_ = true;
+    for (size_t i = 0; i < count_; ++i) {
         if (levels_[i].is_encoded()) {
-            levels_[i].finish();
+            complete_ = levels_[i].finish() && complete_;
+            keep_buffer(reduction.levels[i].stream, i);
         }
     }
 }
@@ -84,9 +138,9 @@ void pyramid_t::run(const reduction_t& reduction, decompressor_t& reader) {
 bool reduce(reduction_t& reduction, const jpegdata_t& source) {
     decompressor_t reader(source);
     reader.silence();
-    pyramid_t pyramid;
-    return reader.attempt([&] { reader.open(); }) && pyramid.prepare(reduction, reader) &&
-           reader.attempt([&] { pyramid.run(reduction, reader); }) && reader.warnings() == 0;
+    const auto pyramid = std::make_unique<pyramid_t>();
+    return reader.attempt([&] { reader.open(); }) && pyramid->prepare(reduction, reader) &&
+           reader.attempt([&] { pyramid->run(reduction, reader); }) && pyramid->is_complete();
 }
 
 }  // namespace libgr

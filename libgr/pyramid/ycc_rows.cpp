@@ -9,6 +9,8 @@
 // It needs foreach_target.h before it.
 #include <hwy/highway.h>
 
+#include "libgr/pyramid/word_vectors-inl.h"
+
 HWY_BEFORE_NAMESPACE();
 namespace libgr::HWY_NAMESPACE {
 namespace {
@@ -73,38 +75,12 @@ HWY_INLINE size_t convert_vectors(const ycc_strip_rows_t&, const unsigned char* 
     return 0;
 }
 #else
-namespace hn = hwy::HWY_NAMESPACE;
-
-using words_tag_t = hn::ScalableTag<int16_t>;
-using unsigned_words_tag_t = hn::RebindToUnsigned<words_tag_t>;
-using longs_tag_t = hn::Repartition<int32_t, words_tag_t>;
-using bytes_tag_t = hn::Repartition<uint8_t, words_tag_t>;
-using half_tag_t = hn::Rebind<uint8_t, words_tag_t>;  // as many bytes as there are words
-using words_t = hn::Vec<words_tag_t>;
-using longs_t = hn::Vec<longs_tag_t>;
-using bytes_t = hn::Vec<bytes_tag_t>;
-
-constexpr words_tag_t words_tag;
-constexpr longs_tag_t longs_tag;
-
-HWY_INLINE words_t word(int value) {
-    return hn::Set(words_tag, static_cast<int16_t>(value));
-}
-
-HWY_INLINE words_t load_bytes(const unsigned char* from) {
-    return hn::PromoteTo(words_tag, hn::LoadU(half_tag_t(), from));
-}
-
-HWY_INLINE void store_bytes(words_t values, unsigned char* to) {
-    hn::StoreU(hn::DemoteTo(half_tag_t(), values), half_tag_t(), to);
-}
-
 HWY_INLINE words_t even_bytes(bytes_t bytes) {
     return hn::And(hn::BitCast(words_tag, bytes), word(0xFF));
 }
 
 HWY_INLINE words_t odd_bytes(bytes_t bytes) {
-    return hn::BitCast(words_tag, hn::ShiftRight<8>(hn::BitCast(unsigned_words_tag_t(), bytes)));
+    return hn::BitCast(words_tag, hn::ShiftRight<8>(hn::BitCast(unsigned_words_tag, bytes)));
 }
 
 // Sums of two products in 32 bits, for the even and for the odd lanes of two vectors.
@@ -112,15 +88,6 @@ struct long_lanes_t {
     longs_t even;
     longs_t odd;
 };
-
-HWY_INLINE longs_t sum_of_products(words_t pairs, int even_factor, int odd_factor) {
-    const auto factors =
-        hn::BitCast(words_tag, hn::Set(longs_tag, static_cast<int32_t>((static_cast<uint32_t>(odd_factor) << 16) |
-                                                                       (static_cast<uint32_t>(even_factor) & 0xFFFF))));
-    longs_t rest = hn::Zero(longs_tag);
-    const longs_t sum = hn::ReorderWidenMulAccumulate(longs_tag, pairs, factors, hn::Zero(longs_tag), rest);
-    return hn::RearrangeToOddPlusEven(sum, rest);
-}
 
 // a * a_factor + b * b_factor; the factors have 16 bits.
 HWY_INLINE long_lanes_t weighted_sum(words_t a, int a_factor, words_t b, int b_factor) {

@@ -97,6 +97,8 @@ class refvector2 {
     }
 
     [[nodiscard]] bool is_allocated() const { return block_ != nullptr; }
+    // True when nobody else sees the buffer, so that growing it in place can't be told from copying it.
+    [[nodiscard]] bool owns_alone() const { return block_->count == 1 && block_->allocator.is_private(); }
 
     // False when a mapped file could not be read to its end any more; what is missing reads as 0. To be asked once
     // the bytes were used.
@@ -105,9 +107,6 @@ class refvector2 {
   protected:
     [[nodiscard]] T* buffer_begin() const { return block_ == nullptr ? nullptr : block_->data; }
     [[nodiscard]] size_t buffer_size() const { return block_ == nullptr ? 0 : block_->size; }
-
-    // True when nobody else sees the buffer, so that growing it in place can't be told from copying it.
-    [[nodiscard]] bool owns_alone() const { return block_->count == 1 && block_->allocator.is_private(); }
 
     static void copy_elements(T* to, const T* from, size_t count) {
         if (count != 0) {
