@@ -1,8 +1,11 @@
 #include "settings/settings_file.h"
 
+#include <algorithm>
 #include <cstdlib>
+#include <iterator>
 #include <list>
 #include <sstream>
+#include <string_view>
 
 #include "libutils/diagnostics.h"
 #include "libutils/files/new_file.h"
@@ -34,42 +37,81 @@ bool parse_shrink_size(const std::string& value) {
     return true;
 }
 
-bool parse_within(uint64_t& number, const std::string& value, uint64_t least, uint64_t most) {
+bool parse_within(uint64_t& number, const std::string& value, uint64_t most) {
     char* end = nullptr;
     const uint64_t parsed = parse_number(value.c_str(), &end);
-    if (end == value.c_str() || parsed < least || parsed > most) {
+    if (end == value.c_str() || parsed > most) {
         return false;
     }
     number = parsed;
     return true;
 }
 
-// False for a value that can't be used; the one from before stands.
-bool apply_setting(const std::string& key, const std::string& value) {
-    constexpr uint64_t best_quality = 100;
-    constexpr uint64_t most_items = 1000;  // wider than any screen; 0 acts as 1
-    if (key == "from") {
-        g_global.from = value;
-    } else if (key == "album") {
-        g_global.album = value;
-    } else if (key == "html_header") {
-        g_global.html_header = value;
-    } else if (key == "html_address") {
-        g_global.html_address = value;
-    } else if (key == "shrink_size") {
-        return parse_shrink_size(value);
-    } else if (key == "jpeg_compress") {
-        return parse_within(g_global.jpeg_compress, value, 0, best_quality);
-    } else if (key == "horizontal_items") {
-        return parse_within(g_global.horizontal_items, value, 0, most_items);
-    } else if (key != "shrink_level") {  // of earlier settings files
-        libutils::report("Unrecognized name: ", key);
-    }
+template <std::string global_t::*Text>
+bool read_text(const std::string& value) {
+    g_global.*Text = value;
     return true;
 }
 
-void write_text(std::ostream& out, const char* key, const std::string& value) {
-    writeiniline(out, key, libutils::on_one_line(value));
+template <std::string global_t::*Text>
+std::string write_text() {
+    return libutils::on_one_line(g_global.*Text);
+}
+
+// A path that counts for this run only does not reach the file.
+template <std::string global_t::*Path, std::optional<std::string> stored_paths_t::*Stored>
+std::string write_path() {
+    return libutils::on_one_line((g_stored_paths.*Stored).value_or(g_global.*Path));
+}
+
+template <uint64_t global_t::*Number, uint64_t Most>
+bool read_number(const std::string& value) {
+    return parse_within(g_global.*Number, value, Most);
+}
+
+template <uint64_t global_t::*Number>
+std::string write_number() {
+    return libutils::join_text(g_global.*Number);
+}
+
+std::string write_shrink_size() {
+    return libutils::join_text(g_global.shrink_width, ",", g_global.shrink_height);
+}
+
+// The lines of the file, in their order.
+struct setting_t {
+    std::string_view key;
+    bool (*read)(const std::string& value);  // false for a value that can't be used; the one from before stands
+    std::string (*write)();
+};
+
+constexpr uint64_t best_quality = 100;
+constexpr uint64_t most_items = 1000;  // wider than any screen; 0 acts as 1
+
+constexpr setting_t settings[] = {
+    {"from", read_text<&global_t::from>, write_path<&global_t::from, &stored_paths_t::from>},
+    {"album", read_text<&global_t::album>, write_path<&global_t::album, &stored_paths_t::album>},
+    {"shrink_size", parse_shrink_size, write_shrink_size},
+    {"jpeg_compress", read_number<&global_t::jpeg_compress, best_quality>, write_number<&global_t::jpeg_compress>},
+    {"horizontal_items", read_number<&global_t::horizontal_items, most_items>,
+     write_number<&global_t::horizontal_items>},
+    {"html_header", read_text<&global_t::html_header>, write_text<&global_t::html_header>},
+    {"html_address", read_text<&global_t::html_address>, write_text<&global_t::html_address>},
+};
+
+constexpr std::string_view former_key = "shrink_level";  // of earlier settings files
+
+// False for a value that can't be used.
+bool apply_setting(const std::string& key, const std::string& value) {
+    const auto* const found =
+        std::find_if(std::begin(settings), std::end(settings), [&](const setting_t& row) { return row.key == key; });
+    if (found != std::end(settings)) {
+        return found->read(value);
+    }
+    if (key != former_key) {
+        libutils::report("Unrecognized name: ", key);
+    }
+    return true;
 }
 
 }  // namespace
@@ -115,6 +157,7 @@ void saveini(const char* dir, const char* name) {
 
 std::error_code save_settings(const std::string& path) {
     std::ostringstream out;
+<<<<<<< Updated upstream
     const libutils::classic_numbers numbers(out);
     write_text(out, "from", g_stored_paths.from.value_or(g_global.from));
     write_text(out, "album", g_stored_paths.album.value_or(g_global.album));
@@ -123,6 +166,11 @@ std::error_code save_settings(const std::string& path) {
     writeiniline(out, "horizontal_items", g_global.horizontal_items);
     write_text(out, "html_header", g_global.html_header);
     write_text(out, "html_address", g_global.html_address);
+=======
+    for (const setting_t& row : settings) {
+        writeiniline(out, row.key.data(), row.write());
+    }
+>>>>>>> Stashed changes
     libutils::new_file_t file(path, libutils::staging_t::beside);
     file.open_as_old();
     file.write(out.str());
