@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cerrno>
-
 #include "libgr/image/pixel_operations.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
@@ -37,7 +35,7 @@ TEST(PhotoHeader, TellsWhatThePhotographSays) {
         SCOPED_TRACE(c.name);
         write_file(dir / "p.jpg", make_jpeg({.width = 33, .height = 17, .segments = c.segments}));
         photo_header_t header;
-        ASSERT_EQ(load_photo_header(header, dir / "p.jpg"), header_status_t::complete);
+        ASSERT_TRUE(load_photo_header(header, dir / "p.jpg"));
         EXPECT_EQ(std::pair(header.width, header.height), std::pair(uint64_t{33}, uint64_t{17}));
         EXPECT_EQ(header.segments.size(), std::max<size_t>(c.segments.size(), 1));
         EXPECT_EQ(stderr_of([&] { read_exif(header); }).empty(),
@@ -47,9 +45,8 @@ TEST(PhotoHeader, TellsWhatThePhotographSays) {
         EXPECT_EQ(blob_t(header.thumbnail.begin(), header.thumbnail.end()), c.has_thumbnail ? thumbnail : blob_t());
     }
     photo_header_t header;
-    EXPECT_EQ(stderr_of([&] { EXPECT_EQ(load_photo_header(header, dir / "none"), header_status_t::not_loaded); }), "");
-    EXPECT_EQ(errno, ENOENT);
-    EXPECT_NE(stderr_of([&] { EXPECT_EQ(load_photo_header(header, dir / "p.jpg"), header_status_t::not_read); }), "");
+    EXPECT_EQ(stderr_of([&] { EXPECT_FALSE(load_photo_header(header, dir / "none")); }), "");
+    EXPECT_NE(stderr_of([&] { EXPECT_FALSE(load_photo_header(header, dir / "p.jpg")); }), "");
 }
 
 TEST(Orientation, TurnsAsTheEngineDoes) {
