@@ -126,7 +126,7 @@ update_result_t update_all(const std::string& path, const update_options_t& opti
         write_lock_t lock;
         std::vector<files_t> files;
         if (!lock_album(lock, album) || !list_originals(files, album) ||
-            !step_done(treat_orphans(album, options.orphans), "prune")) {
+            !step_done(prune_orphans(album, options.orphans), "prune")) {
             return note(false);
         }
         const update_result_t failure = update_album(files, album, progress);

@@ -23,7 +23,7 @@ namespace taloram {
 
 namespace {
 
-// Where a path really leads, with "/" behind it; "" when it can't be told.
+// Where a path really leads, with "/" after it; "" when it can't be told.
 std::string real_directory(const std::string& path) {
     std::error_code failure;
     const std::filesystem::path real = std::filesystem::canonical(path.empty() ? "." : path, failure);

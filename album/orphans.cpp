@@ -143,7 +143,7 @@ void remove_empty_levels(const std::string& album) {
     }
 }
 
-bool treat_orphans(const std::string& album, orphans_t treatment) {
+bool prune_orphans(const std::string& album, orphans_t treatment) {
     if (treatment == orphans_t::keep) {
         return true;
     }

@@ -32,6 +32,6 @@ void remove_empty_levels(const std::string& album);
 // Reports or removes levels, thumbnails and zoom pages of photographs that original/ does not have. Nothing but names
 // of photographs in size<k>/ and thumb/ and <base>_<k>.html in html/ is looked at. False, after a report, when
 // a file can't be removed, or when one of these directories can't be listed to its end; then nothing is removed.
-[[nodiscard]] bool treat_orphans(const std::string& album, orphans_t treatment);
+[[nodiscard]] bool prune_orphans(const std::string& album, orphans_t treatment);
 
 }  // namespace taloram

@@ -33,7 +33,8 @@ class EditBookDialog : public Gtk::Dialog {
     // Lists the book anew; what the user typed and did not save stays. False when the book can't be listed.
     bool make_items();
 
-    // Brings an album, or a book with all below it, up to date behind the progress window. A failure is told in a box.
+    // Brings an album, or a book with all below it, up to date while the progress window shows how far it is. A failure
+    // is told in a box.
     bool batchupdate(const std::string& path);
 
     // Typed texts that were not saved, to be taken over by the dialog that comes after this one.

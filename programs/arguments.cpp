@@ -14,7 +14,7 @@ bool means_more_to_the_parser(const std::string& argument) {
     return !argument.empty() && std::string_view("[{+").find(argument.front()) != std::string_view::npos;
 }
 
-// A blank behind it keeps it whole until plain() takes it off.
+// A blank after it keeps it whole until plain() takes it off.
 std::string marked(std::string argument) {
     if (means_more_to_the_parser(argument)) {
         argument += ' ';

@@ -14,12 +14,9 @@ libutils::bytes_t photo_header_t::app1() const {
     return found == segments.end() ? libutils::bytes_t() : found->data;
 }
 
-header_status_t load_photo_header(photo_header_t& header, const std::string& path) {
+bool load_photo_header(photo_header_t& header, const std::string& path) {
     libgr::jpegdata_t data;
-    if (!data.load(path.c_str())) {
-        return header_status_t::not_loaded;
-    }
-    return read_photo_header(header, data) ? header_status_t::complete : header_status_t::not_read;
+    return !load_file(data, path) && read_photo_header(header, data);
 }
 
 bool read_photo_header(photo_header_t& header, libgr::jpegdata_t& data) {

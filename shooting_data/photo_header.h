@@ -25,14 +25,9 @@ struct photo_header_t {
     [[nodiscard]] orientation_t orientation() const { return to_orientation(orientation_value.value_or(1)); }
 };
 
-enum class header_status_t {
-    complete,
-    not_loaded,  // errno tells why
-    not_read     // reported
-};
-
-// Size and segments of the file `path`, or of one that was loaded. Whoever wants EXIF fields calls read_exif() then.
-[[nodiscard]] header_status_t load_photo_header(photo_header_t& header, const std::string& path);
+// Size and segments of the file `path`, or of one that was loaded. A header that is refused is reported, a file that
+// can't be loaded is not. Whoever wants EXIF fields calls read_exif() then.
+[[nodiscard]] bool load_photo_header(photo_header_t& header, const std::string& path);
 [[nodiscard]] bool read_photo_header(photo_header_t& header, libgr::jpegdata_t& data);
 
 // Fills the EXIF fields from the segments; what is damaged there is reported and left out.

@@ -21,7 +21,7 @@ struct summary_item_t {
 };
 
 // In the order of the summary. Numbers are written in the classic form with the notation and precision of `format`,
-// which the items leave behind there.
+// which the items leave there.
 [[nodiscard]] std::vector<summary_item_t> summary_items(const libgr::tiff_header_t& tiff, std::ios_base& format);
 
 }  // namespace taloram

@@ -9,7 +9,7 @@ namespace talolib {
 using e_message_t = unsigned;
 
 // Loads the catalogue of `name` for the locale, else the locale-free one: from the current directory, then directly
-// behind `dir` (which ends in "/"; "" means along PATH), then from the installed catalogues. Sets the process's C
+// appended to `dir` (which ends in "/"; "" means along PATH), then from the installed catalogues. Sets the process's C
 // locale from the environment; where that leaves ASCII and LANG names no other character set, as "C", "POSIX" and ""
 // do, characters are those of UTF-8. Returns the path that was loaded; "" after a line on standard error when there is
 // none.

@@ -16,7 +16,7 @@ struct shown_picture_t {
 };
 
 // Shows one picture: fitted to the widget, zoomed (wheel) or moved (dragged). Which one, and at which scale it is
-// decoded, is the heirs' matter.
+// decoded, is left to subclasses.
 class picture_area_t : public Gtk::DrawingArea {
   public:
     picture_area_t();

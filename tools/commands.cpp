@@ -197,7 +197,7 @@ class runner_t {
         start_up(program_);
         int status = programs::status_done;
         for (const std::string& photo : command.photos) {
-            // A stream of its own: the number format that one summary leaves behind must not reach the next.
+            // A stream of its own: the number format that one summary leaves must not reach the next.
             std::ostringstream summary;
             const bool good = write_summary(summary, photo, command.html);
             std::cout << photo << '\n' << summary.str() << std::endl;

@@ -13,8 +13,8 @@
 namespace talomake {
 
 // Shows on standard error how far a run is: one line a stage, drawn over itself and left standing when the stage is
-// done. While it lives it stands behind std::cerr and std::cout, so that no text is ever mixed into the line: the line
-// is taken away before the text and drawn again behind it.
+// done. While it lives it stands between std::cerr, std::cout and the terminal, so that no text is ever mixed into the
+// line: the line is taken away before the text and drawn again after it.
 class progress_line_t {
   public:
     explicit progress_line_t(progress_mode_t mode);

@@ -83,11 +83,12 @@ std::string reason_not_to_open(const std::string& path, uint64_t& bytes) {
 }
 
 std::string open_file(libgr::jpegdata_t& data, const std::string& path) {
-    errno = 0;
-    if (data.load(path.c_str())) {
+    const std::error_code failure = load_file(data, path);
+    if (!failure) {
         return "";
     }
-    return errno == 0 || errno == EINVAL ? taloram::getmsg(taloram::msg_not_a_photo) : std::strerror(errno);
+    const bool is_refused = failure == std::errc::io_error || failure == std::errc::invalid_argument;
+    return is_refused ? taloram::getmsg(taloram::msg_not_a_photo) : failure.message();
 }
 
 void set_full_size(loaded_picture_t& picture, const taloram::photo_size_t& size) {

@@ -179,9 +179,9 @@ void picture_view_t::plan() {
         wanted.push_back(request);
     }
     const size_t before = index_ == 0 ? index_ : index_ - 1;
-    const size_t behind = std::min(index_ + 1, pictures_.size() - 1);
-    add(forwards_ ? behind : before);
-    add(forwards_ ? before : behind);
+    const size_t after = std::min(index_ + 1, pictures_.size() - 1);
+    add(forwards_ ? after : before);
+    add(forwards_ ? before : after);
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
     loader_.request(std::move(wanted));
 }

@@ -29,7 +29,7 @@ class picture_view_t : public taloram::picture_area_t {
 
     void set_pictures(std::vector<picture_t> pictures, size_t first);
 
-    // An index behind the end shows the last. Fitted to the window.
+    // An index past the end shows the last. Fitted to the window.
     void show_picture(size_t index);
     void next();
     void previous();

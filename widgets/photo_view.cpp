@@ -119,8 +119,8 @@ bool photo_view_t::work_ahead() {
         return true;
     }
     const size_t before = index_ == 0 ? index_ : index_ - 1;
-    const size_t behind = std::min(index_ + 1, names_.size() - 1);
-    for (const size_t neighbour : {forwards_ ? behind : before, forwards_ ? before : behind}) {
+    const size_t after = std::min(index_ + 1, names_.size() - 1);
+    for (const size_t neighbour : {forwards_ ? after : before, forwards_ ? before : after}) {
         if (!photos_.contains(neighbour)) {
             decode(neighbour);
             return true;

@@ -16,7 +16,7 @@ class photo_view_t : public picture_area_t {
   public:
     void set_photos(const std::string& album, const std::vector<std::string>& names);
 
-    // Shows a photograph of the list, fitted. An index behind the end shows the last.
+    // Shows a photograph of the list, fitted. An index past the end shows the last.
     void show_photo(size_t index);
     void next();
     void previous();

@@ -104,7 +104,7 @@ int row_table_t::pitch() const {
     return (row_height_ == 0 ? usual_height : row_height_) + static_cast<int>(table_.get_default_row_spacing());
 }
 
-// A screen of rows before and behind those that are seen is ready for the next step of the wheel or the keyboard.
+// A screen of rows before and after those that are seen is ready for the next step of the wheel or the keyboard.
 std::map<size_t, bool> row_table_t::wanted_rows() const {
     std::map<size_t, bool> wanted;
     const auto want = [&](double begin, double end) {

@@ -213,7 +213,7 @@ void scrolled_grid_t::detach_row(size_t row) {
             }
         }
     }
-    // What was the space behind the row is nothing now.
+    // What was the space after the row is nothing now.
     if (const guint line = table_row(row + 1) - 1; line < table_.property_n_rows()) {
         table_.set_row_spacing(line, 0);
     }
@@ -294,7 +294,7 @@ void scrolled_grid_t::measure() {
         heights.push_back(height_of(row));
         row_height_ = std::max(row_height_, heights.back());
     }
-    // Rows of the table's own, so that the space behind the last one counts.
+    // Rows of the table's own, so that the space after the last one counts.
     if (const guint lines = table_row(attached_.last) + 1;
         attached_.last < row_count() && table_.property_n_rows() < lines) {
         table_.resize(lines, table_.property_n_columns());

@@ -51,7 +51,7 @@ class scrolled_grid_t : public sigc::trackable {
     // Rows of photographs.
     struct range_t {
         size_t first = 0;
-        size_t last = 0;  // behind the last one
+        size_t last = 0;  // one past the last
 
         [[nodiscard]] bool contains(size_t row) const { return row >= first && row < last; }
         friend bool operator==(const range_t&, const range_t&) = default;

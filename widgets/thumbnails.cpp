@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "album/album_layout.h"
+#include "album/sizes/jpeg_files.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpeginfo.h"
 #include "libutils/diagnostics.h"
@@ -14,14 +15,6 @@
 namespace taloram {
 
 namespace {
-
-bool load_file(libgr::jpegdata_t& data, const std::string& path) {
-    const bool loaded = data.load(path.c_str());
-    if (!loaded) {
-        libutils::report(path, ": jpegdata load() failed.");
-    }
-    return loaded;
-}
 
 bool decode(libgr::image2d_t& image, libgr::jpegdata_t& data, const std::string& path, const char* failure) {
     libgr::jpeginfo_t info;
@@ -70,7 +63,7 @@ void copy_row(guint8* to, const unsigned char* from, uint32_t width, bool gray) 
 
 bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
     libgr::jpegdata_t data;
-    if (!is_photo(path) || !load_file(data, path)) {
+    if (!is_photo(path) || !load_jpeg_file(data, path, path)) {
         return false;
     }
     photo_header_t header;
@@ -97,7 +90,8 @@ bool load_thumbnail(libgr::image2d_t& image, const std::string& path) {
 
 bool load_jpeg(libgr::image2d_t& image, const std::string& path) {
     libgr::jpegdata_t data;
-    return is_photo(path) && load_file(data, path) && decode(image, data, path, ": thumbnail decompress() failed.");
+    return is_photo(path) && load_jpeg_file(data, path, path) &&
+           decode(image, data, path, ": thumbnail decompress() failed.");
 }
 
 bool load_exifthumbnail_or_thumbdir(libgr::image2d_t& image, const std::string& album, const std::string& name) {

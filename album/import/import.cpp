@@ -154,7 +154,7 @@ bool import_t::note_sum(const std::string& name, bool from_disk) {
     }
     std::string sum;
     if (from_disk ? !verify_copy(sum, file, manifest_)
-                  : !sha256_of_file(sum, file.destination, read_from_t::anywhere)) {
+                  : static_cast<bool>(sha256_of_file(sum, file.destination, read_from_t::anywhere))) {
         return copy_failed(file.destination);
     }
     // Of the album's own file the first sum counts: it is what tells that the file changed.
@@ -164,7 +164,7 @@ bool import_t::note_sum(const std::string& name, bool from_disk) {
     return true;
 }
 
-// Takes what failed behind the copy stage out of the album.
+// Takes what failed after the copy stage out of the album.
 bool import_t::remove_failed() {
     if (failed_.empty()) {
         return true;
@@ -187,7 +187,7 @@ bool import_t::remove_original(const std::string& name) {
     manifest_.remove(file.path_in_album);
     std::string sum;
     if (libutils::is_same_file(file.source, file.destination) ||
-        !sha256_of_file(sum, file.source, read_from_t::anywhere)) {
+        sha256_of_file(sum, file.source, read_from_t::anywhere)) {
         libutils::report(file.destination, ": stays, because its source can't be read any more.");
         return true;
     }

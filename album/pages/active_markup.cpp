@@ -18,7 +18,7 @@ std::string in_lower_case(std::string_view text) {
     return lower;
 }
 
-// `text` begins with "on", letters and, behind blanks or not, "=".
+// `text` begins with "on", letters and, after blanks or not, "=".
 bool begins_with_event(std::string_view text) {
     constexpr std::string_view start = "on";
     if (!text.starts_with(start)) {
@@ -30,7 +30,7 @@ bool begins_with_event(std::string_view text) {
            text[sign] == '=';
 }
 
-// Attributes begin behind blanks, "/" or the end of another's value.
+// Attributes begin after blanks, "/" or the end of another's value.
 bool has_event(std::string_view tag) {
     constexpr std::string_view borders = " \t\n\v\f\r/\"'";
     for (size_t at = 0; (at = tag.find_first_of(borders, at)) != std::string_view::npos; ++at) {

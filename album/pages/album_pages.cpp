@@ -84,7 +84,7 @@ bool write_size_links(std::ostream& out, const std::string& album, const page_ph
     for (unsigned long k = 0; k < photo.level; ++k) {
         const std::string path = entry_path(album, photo.link(k));
         photo_header_t header;
-        if (load_photo_header(header, path) != header_status_t::complete) {
+        if (!load_photo_header(header, path)) {
             return false;
         }
         struct stat status {};
@@ -204,7 +204,7 @@ bool write_zoom_page(const std::string& album, const page_photo_t& photo, unsign
     out << "<a href=\"" << (level > 1 ? photo.zooms[level - 2] : above + photo.link(0)) << "\"><IMG SRC=\"" << image
         << "\" SRCSET=\"" << image << " 1x," << above << photo.link(level - 1) << " 2x\"></a>\n";
     write_page_end(out);
-    if (out.save(album, path, libutils::staging_t::none)) {
+    if (out.save(album, path, libutils::staging_t::old_goes_first)) {
         libutils::report(path, ": write open error.");
         return false;
     }

@@ -75,11 +75,11 @@ bool write_camera_thumbnail(const std::string& path, const libutils::bytes_t& th
     if (count != 0 && turn_jpeg(turned, data, path, count)) {
         data.setvector(turned, path.c_str());
     }
-    if (!data.save(path.c_str())) {
-        libutils::report(path, ": thumbnail save failed, ", std::strerror(errno));
-        return false;
+    const std::error_code failure = save_file(data, path);
+    if (failure) {
+        libutils::report(path, ": thumbnail save failed, ", failure.message());
     }
-    return true;
+    return !failure;
 }
 
 // Without a thumbnail of the camera's it is one more picture on the way down.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <system_error>
 
 namespace taloram {
 
@@ -10,10 +11,10 @@ enum class read_from_t {
 };
 
 // `sum` = the SHA-256 (FIPS 180-4) of a regular file in lower-case hexadecimal, as sha256sum(1) writes it. The file is
-// read in blocks. False, with errno set and without a message, when it can't be read to its end.
-[[nodiscard]] bool sha256_of_file(std::string& sum, const std::string& path, read_from_t from);
+// read in blocks to its end. No message.
+[[nodiscard]] std::error_code sha256_of_file(std::string& sum, const std::string& path, read_from_t from);
 
-// Waits until a file, or the names in a directory, are on the disk. False, with errno set, when that can't be known.
-[[nodiscard]] bool flush_to_disk(const std::string& path);
+// Waits until a file, or the names in a directory, are on the disk. No message.
+[[nodiscard]] std::error_code flush_to_disk(const std::string& path);
 
 }  // namespace taloram

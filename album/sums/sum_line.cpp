@@ -12,7 +12,7 @@ constexpr std::string_view blanks = " \t";
 
 struct escape_t {
     char meant;
-    char written;  // behind a "\"
+    char written;  // after a "\"
 };
 constexpr escape_t escapes[] = {{'\\', '\\'}, {'\n', 'n'}, {'\r', 'r'}};
 
@@ -69,7 +69,7 @@ std::optional<std::string> lower_sum(std::string_view text) {
     return is_sum ? std::optional(sum) : std::nullopt;
 }
 
-// The rest of a line behind the tag and "(".
+// The rest of a line after the tag and "(".
 std::optional<sum_line_t> read_tagged(std::string_view rest) {
     const size_t end = rest.rfind(')');
     if (end == std::string_view::npos) {

@@ -1,7 +1,5 @@
 #include "album/sums/verification.h"
 
-#include <cerrno>
-#include <cstring>
 #include <list>
 #include <string_view>
 
@@ -18,13 +16,14 @@ namespace {
 // What is wrong with a file; "" when nothing is.
 std::string compare_with_sum(const std::string& path, const std::string& expected) {
     std::string sum;
-    if (sha256_of_file(sum, path, read_from_t::disk)) {
+    const std::error_code failure = sha256_of_file(sum, path, read_from_t::disk);
+    if (!failure) {
         return sum == expected ? "" : "changed.";
     }
-    if (errno == ENOENT || errno == ENOTDIR) {
+    if (libutils::is_absent(failure)) {
         return "missing.";
     }
-    return libutils::join_text("changed, can't be read, ", std::strerror(errno));
+    return libutils::join_text("changed, can't be read, ", failure.message());
 }
 
 // Files of one kind that have no sum; `none_found` becomes false when there are any. False, after a report, when the
@@ -50,14 +49,14 @@ bool find_unlisted(const std::string& album, const char* kind, const manifest_t&
 }  // namespace
 
 bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest) {
-    if (!flush_to_disk(file.destination) || !sha256_of_file(sum, file.destination, read_from_t::disk)) {
+    if (flush_to_disk(file.destination) || sha256_of_file(sum, file.destination, read_from_t::disk)) {
         return false;
     }
     if (file.in_place) {
         return manifest.sum_of(file.path_in_album).value_or(sum) == sum;
     }
     std::string expected;
-    return sha256_of_file(expected, file.source, read_from_t::anywhere) && expected == sum;
+    return !sha256_of_file(expected, file.source, read_from_t::anywhere) && expected == sum;
 }
 
 bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
@@ -75,7 +74,7 @@ bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, co
         const auto stays = [&] {
             return !replaces_files || libutils::same_contents(file.source.c_str(), file.destination.c_str());
         };
-        if (noted && !file.in_place && sha256_of_file(sum, file.source, read_from_t::anywhere) && sum != *noted &&
+        if (noted && !file.in_place && !sha256_of_file(sum, file.source, read_from_t::anywhere) && sum != *noted &&
             stays()) {
             found(file.destination, libutils::join_text("has another sum in ", manifest_t::name, "."));
             good = false;
@@ -89,11 +88,11 @@ bool flush_album_names(const std::string& album) {
         const std::string directory = entry_path(album, name);
         // Not every directory is there; some file systems have nothing to flush in one; and the one above may be
         // closed to the user.
-        const auto is_no_failure = [&] {
-            return errno == ENOENT || errno == EINVAL || (errno == EACCES && name == std::string_view(".."));
-        };
-        if (!flush_to_disk(directory) && !is_no_failure()) {
-            libutils::report(directory, ": can't be brought to the disk, ", std::strerror(errno));
+        const std::error_code failure = flush_to_disk(directory);
+        const bool passes = failure == std::errc::no_such_file_or_directory || failure == std::errc::invalid_argument ||
+                            (failure == std::errc::permission_denied && name == std::string_view(".."));
+        if (failure && !passes) {
+            libutils::report(directory, ": can't be brought to the disk, ", failure.message());
             return false;
         }
     }

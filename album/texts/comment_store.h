@@ -67,7 +67,7 @@ void loadcomment(const std::string& txtdir, std::string& title, std::string& hea
 // Writes the comment of a photograph; txt/ must exist.
 [[nodiscard]] bool savephotocomment(const std::string& text, const std::string& album, const std::string& photo);
 
-// Writes comment lines into a page behind `indent` tabs, unescaped: "<br>" in front of a line, "<p>" for an empty one.
+// Writes comment lines into a page after `indent` tabs, unescaped: "<br>" in front of a line, "<p>" for an empty one.
 // The result carries no meaning.
 bool writephotocomment(std::ostream& out, std::list<std::string>& lines, unsigned long indent);
 

@@ -11,7 +11,7 @@ namespace taloram {
 // memory too, is another thing than none: libutils::is_absent() tells. No message.
 [[nodiscard]] std::error_code load_text(std::string& text, const std::string& path);
 
-// Split at LF; the line ends' CR stays. No last line behind a trailing LF.
+// Split at LF; the line ends' CR stays. No last line after a trailing LF.
 [[nodiscard]] std::list<std::string> split_lines(const std::string& text);
 
 }  // namespace taloram

@@ -92,17 +92,26 @@ bool is_held(const std::string& directory) {
 }
 
 // A size may lie on another disk, by a link under its directory's name.
-bool copy_into_place(const std::string& from, const std::string& to) {
+std::error_code copy_into_place(const std::string& from, const std::string& to) {
     libgr::jpegdata_t data;
-    return data.load(from.c_str()) && data.save(to.c_str()) && unlink(from.c_str()) == 0;
+    if (const std::error_code failure = load_file(data, from)) {
+        return failure;
+    }
+    if (const std::error_code failure = save_file(data, to)) {
+        return failure;
+    }
+    return unlink(from.c_str()) == 0 ? std::error_code() : libutils::last_error();
 }
 
 bool put_in_place(const std::string& from, const std::string& to) {
-    const bool placed = std::rename(from.c_str(), to.c_str()) == 0 || (errno == EXDEV && copy_into_place(from, to));
-    if (!placed) {
-        libutils::report(to, ": its turned file can't be put in place, ", std::strerror(errno));
+    std::error_code failure = std::rename(from.c_str(), to.c_str()) == 0 ? std::error_code() : libutils::last_error();
+    if (failure == std::errc::cross_device_link) {
+        failure = copy_into_place(from, to);
     }
-    return placed;
+    if (failure) {
+        libutils::report(to, ": its turned file can't be put in place, ", failure.message());
+    }
+    return !failure;
 }
 
 // What is not there is empty.

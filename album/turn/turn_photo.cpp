@@ -54,7 +54,7 @@ class photo_turner_t {
 bool photo_turner_t::run() {
     const std::string path = original_path(album_, name_);
     photo_header_t original;
-    if (load_photo_header(original, path) != header_status_t::complete) {
+    if (!load_photo_header(original, path)) {
         return refuse(path, ": can't be read");
     }
     read_exif(original);
@@ -109,11 +109,11 @@ bool photo_turner_t::write_turned(libgr::jpegdata_t& data, const std::string& pa
     if (!turn_jpeg(turned, data, path, count)) {
         return false;
     }
-    const bool saved = turned.save(made.c_str());
-    if (!saved) {
-        libutils::report(path, ": its turned file can't be written, ", std::strerror(errno));
+    const std::error_code failure = save_file(turned, made);
+    if (failure) {
+        libutils::report(path, ": its turned file can't be written, ", failure.message());
     }
-    return saved;
+    return !failure;
 }
 
 // Makes the turned files of all photographs.

@@ -2,21 +2,34 @@
 
 #include <sys/stat.h>
 
-#include <cerrno>
 #include <fstream>
-#include <string_view>
 
 #include "libutils/files/new_file.h"
+#include "libutils/files/read_file.h"
 
 namespace libgr {
+
+namespace {
+
+std::error_code write_bytes(const libutils::bytes_t& bytes, const std::string& path) {
+    libutils::new_file_t file(path, libutils::staging_t::above);
+    file.open();
+    const std::error_code failure = file.write({reinterpret_cast<const char*>(bytes.begin()), bytes.size()});
+    if (failure) {
+        return failure;
+    }
+    return bytes.is_intact() ? file.commit() : make_error_code(std::errc::io_error);
+}
+
+}  // namespace
 
 void jpegbuffer_t::setvector(const libutils::bytes_t& v, const char* new_name) {
     libutils::bytes_t::operator=(v);
     name = new_name;
 }
 
-bool jpegdata_t::load(const char* path, android_app* app) {
-    if (!load(0, path, libutils::PROT_READ_ONLY, 0, false, app)) {
+bool jpegdata_t::load(const char* path, android_app* /*app*/) {
+    if (libutils::map_file(*this, path)) {
         return false;
     }
     name = path;
@@ -24,19 +37,23 @@ bool jpegdata_t::load(const char* path, android_app* app) {
 }
 
 bool jpegdata_t::save(const char* path, android_app* /*app*/) {
-    libutils::new_file_t file(path, libutils::staging_t::above);
-    const std::string_view bytes(reinterpret_cast<const char*>(begin()), size());
-    file.open();
-    std::error_code failure = file.write(bytes);
-    if (!failure) {
-        failure = is_intact() ? file.commit() : make_error_code(std::errc::io_error);
-    }
-    if (failure) {
-        errno = failure.category() == std::generic_category() ? failure.value() : EINVAL;
+    if (write_bytes(*this, path)) {
         return false;
     }
     name = path;
     return true;
+}
+
+std::error_code load_file(jpegdata_t& data, const std::string& path) {
+    const std::error_code failure = libutils::map_file(data, path);
+    data.name = failure ? data.name : path.c_str();
+    return failure;
+}
+
+std::error_code save_file(jpegdata_t& data, const std::string& path) {
+    const std::error_code failure = write_bytes(data, path);
+    data.name = failure ? data.name : path.c_str();
+    return failure;
 }
 
 bool jpegdata2_t::load(const char* path) {

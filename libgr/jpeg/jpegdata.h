@@ -1,5 +1,8 @@
 #pragma once
 
+#include <string>
+#include <system_error>
+
 #include "libutils/bytes/ofsvector.h"
 
 namespace libgr {
@@ -22,9 +25,13 @@ class jpegdata_t : public jpegbuffer_t {
     [[nodiscard]] bool load(const char* path, android_app* app = nullptr);
 
     // Replaces `path` by a new file, so that another name of the old one keeps its contents. True when the file is
-    // there with every byte; the old one stays otherwise. No message, errno tells why.
+    // there with every byte; the old one stays otherwise. No message.
     [[nodiscard]] bool save(const char* path, android_app* app = nullptr);
 };
+
+// The same two with the reason. `path` outlives `data`, whose name it becomes.
+[[nodiscard]] std::error_code load_file(jpegdata_t& data, const std::string& path);
+[[nodiscard]] std::error_code save_file(jpegdata_t& data, const std::string& path);
 
 // A whole JPEG file as the file information reader takes it.
 class jpegdata2_t : public jpegbuffer_t {

@@ -25,7 +25,7 @@ class alloc_mmap_unix {
                                  android_app* app);
 
     // Moves `old` to a mapping of `size` bytes with the contents kept as far as they fit; null on failure, `old` is
-    // then still valid. A file mapping that grows becomes a private copy, since no byte behind a file's end can be
+    // then still valid. A file mapping that grows becomes a private copy, since no byte past a file's end can be
     // touched.
     [[nodiscard]] void* reallocate(void* old, size_t size, unsigned long long offset);
 

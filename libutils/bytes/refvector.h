@@ -8,7 +8,7 @@
 namespace libutils {
 
 // A shared vector in one heap block: a header (reference count, element count, allocator record) and the elements
-// behind it. Assignment and copies share the block. The counts are plain integers.
+// after it. Assignment and copies share the block. The counts are plain integers.
 template <typename T, typename A>
 class refvector {
     static_assert(std::is_trivially_copyable_v<T>, "elements are copied as bytes");

@@ -13,6 +13,7 @@
 #include "libutils/bytes/ofsvector.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/path.h"
+#include "libutils/files/read_file.h"
 #include "libutils/files/write_all.h"
 #include "libutils/system_error.h"
 
@@ -20,9 +21,8 @@ namespace libutils {
 
 std::error_code copy_file(const std::string& from, const std::string& to) {
     bytes_t bytes;
-    errno = EIO;  // unless opening it knows better
-    if (!bytes.load(0, from.c_str(), PROT_READ_ONLY, 0, false, nullptr)) {
-        return last_error();
+    if (const std::error_code unread = map_file(bytes, from)) {
+        return unread;
     }
     const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (out < 0) {
@@ -50,7 +50,7 @@ bool filecopy(const char* from, const char* to) {
         return true;
     }
     bytes_t bytes;
-    if (!bytes.load(0, from, PROT_READ_ONLY, 0, false, nullptr)) {
+    if (map_file(bytes, from)) {
         return false;
     }
     const int out = open(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
@@ -112,8 +112,7 @@ bool copydate(const char* from, const char* to) {
 bool same_contents(const char* a, const char* b) {
     bytes_t bytes_a;
     bytes_t bytes_b;
-    return bytes_a.load(0, a, PROT_READ_ONLY, 0, false, nullptr) &&
-           bytes_b.load(0, b, PROT_READ_ONLY, 0, false, nullptr) && bytes_a.size() == bytes_b.size() &&
+    return !map_file(bytes_a, a) && !map_file(bytes_b, b) && bytes_a.size() == bytes_b.size() &&
            std::equal(bytes_a.begin(), bytes_a.end(), bytes_b.begin()) && bytes_a.is_intact() && bytes_b.is_intact();
 }
 

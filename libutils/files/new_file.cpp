@@ -128,7 +128,7 @@ std::error_code new_file_t::open_as_old(const links_t& links) {
         return failure_;
     }
     failure_ = follow_link(path_, links);
-    if (staging_ != staging_t::none) {
+    if (staging_ != staging_t::old_goes_first) {
         remove_leftovers_now_and_then(staging_directories().front());
     }
     struct stat old {};
@@ -248,7 +248,7 @@ std::error_code new_file_t::link_to(const std::string& name) const {
 
 // link(2) never replaces a file, so it takes a name in between.
 std::error_code new_file_t::replace_by_unnamed() {
-    if (staging_ == staging_t::none) {
+    if (staging_ == staging_t::old_goes_first) {
         const std::error_code failure = result_of(unlink(path_.c_str()));
         return failure ? failure : link_to(path_);
     }

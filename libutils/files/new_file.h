@@ -16,19 +16,20 @@ enum class staging_t {
     beside,  // in the same directory
     above,  // in the directory above, so that no other program's listing shows the name; beside where that is closed or
             // on another file system
-    none,   // as `above` where there must be one; else the old file goes a moment before the new one takes its name:
-            // for what can be made again, since file systems wait for the disk when a file is replaced by a rename
+    old_goes_first,  // as `above` where there must be one; else the old file goes a moment before the new one takes its
+                     // name: for what can be made again, since file systems wait for the disk when a file is replaced
+                     // by a rename
 };
 
 // A file that is complete under its name or not there at all: whoever looks at the name, also after the program was
-// killed, finds the old file or the new one; with staging_t::none, for a moment, none.
+// killed, finds the old file or the new one; with staging_t::old_goes_first, for a moment, none.
 //
 // The bytes go into a file without a name where the file system offers that (O_TMPFILE), else into a hidden temporary;
 // commit() puts it in place. Another hard link of the old file keeps the old contents. Destroyed without commit() it
 // leaves nothing. A device, pipe or socket under the name is refused and stays.
 //
 // What a killed program left in the directory where the file is staged goes on the way, at least with open_as_old() and
-// unless it is staging_t::none.
+// unless it is staging_t::old_goes_first.
 //
 // Every operation returns the first failure: after one the others do nothing and return it again, so that the result of
 // the last one is enough. No message.

@@ -52,7 +52,7 @@ void split(splitpath_t& parts, const char* path);
 void concatpath(char* dst, const char* drive, const char* dir, const char* name, const char* ext);
 void concat(char* dst, const splitpath_t& parts);
 
-// Just behind the last separator of `path`.
+// Just after the last separator of `path`.
 [[nodiscard]] const char* baseptr(const char* path);
 
 // The string forms' results in `dst`, cut at a whole character to at most `n` bytes; a NUL follows where one fits. They

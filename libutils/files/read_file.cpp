@@ -85,4 +85,12 @@ std::error_code read_file(std::string& contents, const std::string& path, uint64
     }
 }
 
+std::error_code map_file(bytes_t& bytes, const std::string& path) {
+    errno = EIO;  // where the allocator fails without a system call that does
+    if (bytes.load(0, path.c_str(), PROT_READ_ONLY, 0, false, nullptr)) {
+        return {};
+    }
+    return last_error();
+}
+
 }  // namespace libutils

@@ -6,7 +6,7 @@
 // here; the functions of libutils/files/path.h know the separators of other systems too.
 namespace libutils {
 
-// The last component: "" behind a trailing "/".
+// The last component: "" after a trailing "/".
 [[nodiscard]] std::string last_component(const std::string& path);
 
 // Everything up to and including the last "/", "" without one: what a name can be appended to.

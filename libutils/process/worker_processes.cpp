@@ -33,7 +33,7 @@ enum class stream_t : unsigned char { output, error };
 // What a task wrote, in the order of writing.
 using record_t = std::vector<std::pair<stream_t, std::string>>;
 
-// Stands behind a standard stream of a worker.
+// Takes the place of a standard stream of a worker.
 class recorder_t : public std::streambuf {
   public:
     recorder_t(record_t& record, stream_t stream) : record_(record), stream_(stream) {}

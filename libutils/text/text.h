@@ -18,11 +18,11 @@ void chop(std::string& s);
 // Removes every trailing NUL, TAB, LF, CR and blank.
 void chop2(std::string& s);
 
-// Appends the tokens of `s` to `out`. Every character of `delims` ends a token, an empty one too; the rest behind the
+// Appends the tokens of `s` to `out`. Every character of `delims` ends a token, an empty one too; the rest after the
 // last delimiter is a token only when it is not empty: "a::b" gives "a", "", "b"; "a:b:" gives "a", "b".
 void separate_token(std::list<std::string>& out, const std::string& s, const char* delims);
 
-// The part of `s` before the first `c` and the part behind it; false, and `out` untouched, without a `c`.
+// The part of `s` before the first `c` and the part after it; false, and `out` untouched, without a `c`.
 [[nodiscard]] bool separate_first_token(std::pair<std::string, std::string>& out, const std::string& s, char c);
 
 // `out` = the items of `l` with `sep` between them.
@@ -43,7 +43,7 @@ void cat(std::vector<std::string>& out, const std::list<std::string>& l);
 // Compares the first strlen(b) bytes of `a` with `b`: 0 when `a` begins with `b`.
 [[nodiscard]] int stringcmp(const char* a, const char* b);
 
-// `text` as a value that fits on a line: without line ends behind it, and with a blank for each one inside.
+// `text` as a value that fits on a line: without line ends at its end, and with a blank for each one inside.
 [[nodiscard]] std::string on_one_line(std::string text);
 
 // `text` with a "?" for every control character, so that it stays one line whatever a file is named.

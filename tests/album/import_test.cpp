@@ -24,7 +24,7 @@ TEST_F(import_test, albums_of_a_book) {
     put(album + "/original/p.jpg", "no photograph");
     const auto update = [&] { return batchupdate(dir.path(), silent, silent, silent, silent); };
     EXPECT_EQ("false\n", outcome(update).substr(0, 6));
-    EXPECT_TRUE(fs::exists(dir / "sub/b/size1/p.JPG") && fs::exists(dir / "sub/index.html")) << "behind a failure";
+    EXPECT_TRUE(fs::exists(dir / "sub/b/size1/p.JPG") && fs::exists(dir / "sub/index.html")) << "after a failure";
     EXPECT_FALSE(fs::exists(card + "/index.html")) << "a directory that is no book";
     fs::remove_all(album);
     EXPECT_EQ("true\n", outcome(update));

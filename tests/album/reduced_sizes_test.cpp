@@ -56,7 +56,7 @@ TEST_F(reduced_sizes_test, levels_thumbnail_and_turns) {
         {"gray, unturned", {.width = 201, .height = 20, .sampling = sampling_t::gray}, 6, 0, 2, 1, 1},
         {"both turns", {.width = 128, .height = 96}, 6, 1, 1, 2, 1},
         {"turns that cancel", {.width = 128, .height = 96}, 8, 1, 1, 0, 3},
-        {"EXIF broken behind IFD0", {.width = 128, .height = 96, .seed = 9}, 6, 1, 1, 2, 1},
+        {"EXIF broken after IFD0", {.width = 128, .height = 96, .seed = 9}, 6, 1, 1, 2, 1},
         {"camera's thumbnail cut off", {.width = 128, .height = 96, .seed = 8}, 6, 1, 1, 2, 1},
     };
     g_global.jpeg_compress = 75;

@@ -252,7 +252,7 @@ TEST(Jpeg, EncodesOrRefusesBeforehand) {
     };
     const blob_t large = encoded(IMAGE_FORMAT_RGB, 1001, 700, 65533);
     EXPECT_EQ(decode(large).height, 700U);
-    EXPECT_EQ(large.back(), 0xD9) << "bytes behind the end";
+    EXPECT_EQ(large.back(), 0xD9) << "bytes past the end";
     EXPECT_EQ(decode(encoded(IMAGE_FORMAT_YCbCr, 9, 1, 0)).width, 9U);
     EXPECT_EQ(decode(encoded(IMAGE_FORMAT_GRAYSCALE, 65500, 1, 0)).width, 65500U);
     EXPECT_EQ(encoded(IMAGE_FORMAT_GRAYSCALE, 65501, 1, 0), blob_t());

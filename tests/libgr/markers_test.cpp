@@ -119,7 +119,7 @@ TEST(Markers, SplitsFiles) {
         {"7 bytes", blob_t(7, 0xFF), false, "too few size of JPEG.\n", 0},
         {"no SOI", blob_t(8, 0xFF), false, "not JPEG data.\n", 0},
         {"comment only", soi + com + blob_t{0xFF, 0xD9}, true, "", 1},
-        {"bytes behind EOI", soi + blob_t{0xFF, 0xD9} + com, false, "", 0},
+        {"bytes after EOI", soi + blob_t{0xFF, 0xD9} + com, false, "", 0},
         {"3 bytes left", soi + com + blob_t{0xFF, 0xFE, 0}, false, broken, 1},
         {"length 1", soi + blob_t{0xFF, 0xFE, 0, 1, 0, 0}, false, broken, 0},
         {"length past the end", soi + blob_t{0xFF, 0xFE, 0, 7} + com, false, broken, 0},

@@ -34,7 +34,7 @@ TEST(ByteVectors, ViewsAreCutToTheBuffer) {
         {"inside", 10, 5, 5},
         {"past the end", 90, 50, 10},
         {"at the end", 100, 5, 0},
-        {"behind the end", 500, 5, 0},
+        {"past the end", 500, 5, 0},
         {"limit of nothing", 10, 0, 0},
     };
     bytes_t view = counting_bytes(100);
@@ -64,7 +64,7 @@ TEST(ByteVectors, ResizingAViewLeavesTheSharedBufferAlone) {
     EXPECT_EQ(whole[4], 4);
     EXPECT_EQ(view.size(), 5U);
     EXPECT_EQ(view[2], 6);
-    EXPECT_EQ(view[3], 0) << "what lies behind the view does not come along";
+    EXPECT_EQ(view[3], 0) << "what lies past the view does not come along";
     ASSERT_TRUE(whole.resize(1 << 20));
     EXPECT_EQ(whole[9], 9);
     EXPECT_FALSE(whole.resize(size_t{1} << 60));

@@ -3,13 +3,13 @@
 //   FAILING_CALLS='<call>:<error>:<calls that succeed first>:<part of a path>[;...]'
 //   LD_PRELOAD=.../bin/failing_calls.so ASAN_OPTIONS=verify_asan_link_order=0:... program
 //
-//   FAILING_CALLS='readdir:EIO:4:/card'        listings of .../card... break off behind four entries, "." and ".." are
+//   FAILING_CALLS='readdir:EIO:4:/card'        listings of .../card... break off after four entries, "." and ".." are
 //   two FAILING_CALLS='close:EDQUOT:0:/original/'  every close of a file in original/ fails; the file is closed all the
 //   same FAILING_CALLS='flock:EOPNOTSUPP:0:'        no file system has locks
 //
 // With NOTE for the error they go on, and a line "<call> <path>" on standard error tells of each.
 //
-// From the call behind those that succeed on, every call on a path that holds the part fails; each rule counts for
+// From the call after those that succeed on, every call on a path that holds the part fails; each rule counts for
 // itself, and each process goes on counting from where its parent was. The path is the one that a call is given, or
 // what its descriptor is open on: for a file without a name "<directory>/#<number> (deleted)". Of two paths, as of
 // link and rename, either counts. Calls: those defined below; one more is a function more.

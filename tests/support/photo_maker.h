@@ -13,7 +13,7 @@ using blob_t = std::vector<unsigned char>;
 enum class sampling_t { s444, s422, s440, s420, s411, gray };
 
 // Builds the TIFF structure of an EXIF segment, entry by entry, in either byte order. Values over 4 bytes are placed
-// behind the directories. Type numbers are those of TIFF 6.0.
+// after the directories. Type numbers are those of TIFF 6.0.
 class exif_builder_t {
   public:
     enum ifd_t { ifd0, exif, ifd1 };
@@ -83,7 +83,7 @@ struct photo_t {
     bool progressive = false;
     unsigned seed = 1;                  // of the picture: gradients, shapes and a little noise
     unsigned restart_interval = 0;      // MCUs
-    std::vector<segment_t> segments{};  // written in this order behind SOI
+    std::vector<segment_t> segments{};  // written in this order after SOI
 };
 
 // The bytes of a JPEG file, with a JFIF segment only when the photograph has no segments of its own. What libjpeg can't
