@@ -20,7 +20,6 @@ namespace {
 
 constexpr int gap = 6;           // pixels between widgets
 constexpr int side_width = 240;  // pixels, of the panel beside the large picture
-constexpr double pan_step = 80;  // pixels
 constexpr std::chrono::milliseconds patience{300};
 
 // Text beside the large picture.
@@ -171,7 +170,7 @@ bool ViewAlbumDialog::shows_photo() const {
 
 void ViewAlbumDialog::open_photo(size_t index) {
     pages_.set_visible_child(photo_page_);
-    view_.show_photo(index);
+    view_.show_picture(index);
     view_.grab_focus();
 }
 
@@ -260,36 +259,6 @@ bool ViewAlbumDialog::on_key_press_event(GdkEventKey* event) {
 }
 
 bool ViewAlbumDialog::photo_key(guint key, bool control) {
-    using view_t = photo_view_t;
-    struct key_t {
-        guint key;
-        guint keypad;  // the same on the keypad
-        void (view_t::*action)();
-    };
-    static constexpr key_t keys[] = {
-        {GDK_KEY_Left, GDK_KEY_KP_Left, &view_t::previous},
-        {GDK_KEY_Up, GDK_KEY_KP_Up, &view_t::previous},
-        {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up, &view_t::previous},
-        {GDK_KEY_Right, GDK_KEY_KP_Right, &view_t::next},
-        {GDK_KEY_Down, GDK_KEY_KP_Down, &view_t::next},
-        {GDK_KEY_Page_Down, GDK_KEY_KP_Page_Down, &view_t::next},
-        {GDK_KEY_Home, GDK_KEY_KP_Home, &view_t::first},
-        {GDK_KEY_End, GDK_KEY_KP_End, &view_t::last},
-        {GDK_KEY_plus, GDK_KEY_KP_Add, &view_t::zoom_in},
-        {GDK_KEY_equal, GDK_KEY_equal, &view_t::zoom_in},  // "+" without Shift on many keyboards
-        {GDK_KEY_minus, GDK_KEY_KP_Subtract, &view_t::zoom_out},
-        {GDK_KEY_1, GDK_KEY_KP_1, &view_t::one_to_one},
-        {GDK_KEY_0, GDK_KEY_KP_0, &view_t::fit},
-    };
-    struct pan_key_t {
-        guint key;  // with Control
-        double right;
-        double down;
-    };
-    static constexpr pan_key_t pan_keys[] = {{GDK_KEY_Left, -pan_step, 0},
-                                             {GDK_KEY_Up, 0, -pan_step},
-                                             {GDK_KEY_Right, pan_step, 0},
-                                             {GDK_KEY_Down, 0, pan_step}};
     if (key == GDK_KEY_F11 || (key == GDK_KEY_Escape && full_screen_)) {
         toggle_full_screen();
         return true;
@@ -298,19 +267,7 @@ bool ViewAlbumDialog::photo_key(guint key, bool control) {
         back_to_overview();
         return true;
     }
-    for (const pan_key_t& pan_key : pan_keys) {
-        if (control && pan_key.key == key) {
-            view_.pan(pan_key.right, pan_key.down);
-            return true;
-        }
-    }
-    for (const key_t& row : keys) {
-        if (row.key == key || row.keypad == key) {
-            (view_.*row.action)();
-            return true;
-        }
-    }
-    return false;
+    return view_.take_key(key, control);
 }
 
 }  // namespace taloram

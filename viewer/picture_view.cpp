@@ -30,7 +30,7 @@ void picture_view_t::set_pictures(std::vector<picture_t> pictures, size_t first)
     pictures_ = std::move(pictures);
     entries_.clear();
     turns_.clear();
-    index_ = 0;
+    go_to(0);
     show_picture(first);
 }
 
@@ -38,9 +38,7 @@ void picture_view_t::show_picture(size_t index) {
     if (const taloram::shown_picture_t* const before = shown()) {
         leaving_ = *before;
     }
-    index = std::min(index, std::max(pictures_.size(), size_t{1}) - 1);
-    forwards_ = index >= index_;
-    index_ = index;
+    go_to(index);
     for (auto& [place, entry] : entries_) {
         entry.detailed_for = 0;
         entry.detailed.pixels.clear();
@@ -48,7 +46,7 @@ void picture_view_t::show_picture(size_t index) {
     std::erase_if(entries_, [this](const auto& entry) { return !is_near(entry.first); });
     is_late_ = false;
     late_.disconnect();
-    if (find(index_) == nullptr) {
+    if (find(this->index()) == nullptr) {
         late_ = Glib::signal_timeout().connect(sigc::mem_fun(*this, &picture_view_t::leave), longest_leave);
     }
     get_accessible()->set_name(pictures_.empty() ? "" : taloram::to_toolkit(name()));
@@ -62,22 +60,6 @@ bool picture_view_t::leave() {
     return false;
 }
 
-void picture_view_t::next() {
-    show_picture(index_ + 1);
-}
-
-void picture_view_t::previous() {
-    show_picture(index_ == 0 ? 0 : index_ - 1);
-}
-
-void picture_view_t::first() {
-    show_picture(0);
-}
-
-void picture_view_t::last() {
-    show_picture(pictures_.size());
-}
-
 void picture_view_t::turn_left() {
     turn(3);
 }
@@ -87,10 +69,10 @@ void picture_view_t::turn_right() {
 }
 
 void picture_view_t::turn(unsigned count) {
-    turns_[index_] = (turns_of(index_) + count) % 4;
-    if (const auto found = entries_.find(index_); found != entries_.end()) {
-        found->second.fitted.turns = turns_of(index_);
-        found->second.detailed.turns = turns_of(index_);
+    turns_[this->index()] = (turns_of(this->index()) + count) % 4;
+    if (const auto found = entries_.find(this->index()); found != entries_.end()) {
+        found->second.fitted.turns = turns_of(this->index());
+        found->second.detailed.turns = turns_of(this->index());
     }
     fit();
 }
@@ -106,12 +88,12 @@ const picture_view_t::entry_t* picture_view_t::find(size_t index) const {
 }
 
 picture_view_t::facts_t picture_view_t::facts() const {
-    const entry_t* const entry = find(index_);
+    const entry_t* const entry = find(this->index());
     if (entry == nullptr) {
         return {};
     }
     facts_t facts = entry->facts;
-    if (turns_of(index_) % 2 != 0) {
+    if (turns_of(this->index()) % 2 != 0) {
         std::swap(facts.width, facts.height);
     }
     return facts;
@@ -128,7 +110,7 @@ int picture_view_t::shown_pixels_width() const {
 }
 
 const taloram::shown_picture_t* picture_view_t::shown() const {
-    const entry_t* const entry = find(index_);
+    const entry_t* const entry = find(this->index());
     if (entry == nullptr || !entry->fitted.pixels) {
         return nullptr;
     }
@@ -150,7 +132,7 @@ bool picture_view_t::is_fitted_enough(size_t index) const {
 }
 
 bool picture_view_t::is_detailed_enough() const {
-    const entry_t* const entry = find(index_);
+    const entry_t* const entry = find(this->index());
     if (entry == nullptr || !entry->fitted.pixels) {
         return true;
     }
@@ -172,16 +154,15 @@ void picture_view_t::plan() {
             wanted.push_back(fitted_request(index));
         }
     };
-    add(index_);
+    add(this->index());
     if (!is_fitted() && !is_detailed_enough()) {
-        picture_request_t request = fitted_request(index_);
+        picture_request_t request = fitted_request(this->index());
         request.zoom = std::min(zoom(), 1.0);
         wanted.push_back(request);
     }
-    const size_t before = index_ == 0 ? index_ : index_ - 1;
-    const size_t after = std::min(index_ + 1, pictures_.size() - 1);
-    add(forwards_ ? after : before);
-    add(forwards_ ? before : after);
+    for (const size_t neighbour : neighbours()) {
+        add(neighbour);
+    }
     wanted.erase(std::unique(wanted.begin(), wanted.end()), wanted.end());
     loader_.request(std::move(wanted));
 }
@@ -190,7 +171,8 @@ void picture_view_t::take_loaded() {
     picture_loader_t::result_t result;
     while (loader_.take(result)) {
         // The same file may stand in the list twice; the nearest place is as good as any.
-        for (const size_t index : {index_, index_ + 1, index_ == 0 ? index_ : index_ - 1}) {
+        for (const size_t index :
+             {this->index(), this->index() + 1, this->index() == 0 ? this->index() : this->index() - 1}) {
             if (index < pictures_.size() && pictures_[index] == result.request.picture) {
                 take(index, result);
                 break;
@@ -208,14 +190,15 @@ void picture_view_t::take(size_t index, picture_loader_t::result_t& result) {
                                          picture.height, turns_of(index)};
     if (result.request.zoom > 0) {
         // What was zoomed may have been left meanwhile.
-        if (const auto found = entries_.find(index); found != entries_.end() && index == index_ && !is_fitted()) {
+        if (const auto found = entries_.find(index);
+            found != entries_.end() && index == this->index() && !is_fitted()) {
             found->second.facts.damaged |= picture.damaged;
             found->second.detailed_for = result.request.zoom;
             found->second.detailed = shown;
         }
         return;
     }
-    if (index == index_) {
+    if (index == this->index()) {
         leaving_ = {};
         late_.disconnect();
     }
@@ -234,7 +217,7 @@ bool picture_view_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         return true;
     }
     const Glib::ustring shown_name = taloram::to_toolkit(name());
-    const entry_t* const entry = find(index_);
+    const entry_t* const entry = find(this->index());
     if (const taloram::shown_picture_t* const picture = shown()) {
         draw_picture(cr, *picture);
     } else if (entry != nullptr) {

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "toolkit/picture_area.h"
+#include "toolkit/picture_series.h"
 #include "viewer/picture_loader.h"
 
 namespace talovue {
@@ -12,7 +12,7 @@ namespace talovue {
 // Shows one picture of a list. The one shown and its two neighbours are kept as the window needs them, and of the one
 // shown, once it was zoomed, a larger scale; there is nothing else in memory, however long the list is. One that can't
 // be shown stands as its name and the reason.
-class picture_view_t : public taloram::picture_area_t {
+class picture_view_t : public taloram::picture_series_t {
   public:
     // What is known of the current picture.
     struct facts_t {
@@ -29,20 +29,14 @@ class picture_view_t : public taloram::picture_area_t {
 
     void set_pictures(std::vector<picture_t> pictures, size_t first);
 
-    // An index past the end shows the last. Fitted to the window.
-    void show_picture(size_t index);
-    void next();
-    void previous();
-    void first();
-    void last();
+    void show_picture(size_t index) override;
 
     // Turns what is seen, clockwise; kept until the list is replaced.
     void turn_left();
     void turn_right();
 
-    [[nodiscard]] size_t index() const { return index_; }
-    [[nodiscard]] size_t count() const { return pictures_.size(); }
-    [[nodiscard]] std::string name() const { return pictures_[index_].name(); }  // of a list that is not empty
+    [[nodiscard]] size_t count() const override { return pictures_.size(); }
+    [[nodiscard]] std::string name() const { return pictures_[index()].name(); }  // of a list that is not empty
     [[nodiscard]] facts_t facts() const;
 
     // Pictures decoded and kept, and the size in pixels of the one that is shown, 0 without one: how far the loader is.
@@ -67,7 +61,7 @@ class picture_view_t : public taloram::picture_area_t {
         taloram::shown_picture_t detailed;
     };
 
-    [[nodiscard]] bool is_near(size_t index) const { return index + 1 >= index_ && index <= index_ + 1; }
+    [[nodiscard]] bool is_near(size_t index) const { return index + 1 >= this->index() && index <= this->index() + 1; }
     [[nodiscard]] const entry_t* find(size_t index) const;
     [[nodiscard]] unsigned turns_of(size_t index) const;
     [[nodiscard]] bool leave();
@@ -83,8 +77,6 @@ class picture_view_t : public taloram::picture_area_t {
     std::vector<picture_t> pictures_;
     std::map<size_t, entry_t> entries_;
     std::map<size_t, unsigned> turns_;  // clockwise quarters, 1 to 3
-    size_t index_ = 0;
-    bool forwards_ = true;              // the last move, and so probably the next
     taloram::shown_picture_t leaving_;  // shown until its successor is there
     bool is_late_ = false;
     sigc::connection late_;

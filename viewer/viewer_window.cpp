@@ -22,7 +22,6 @@ using taloram::message_text;
 using taloram::to_toolkit;
 
 constexpr double default_slide_seconds = 5;
-constexpr double pan_step = 80;  // pixels
 constexpr int gap = 12;          // pixels
 constexpr int widest_info = 60;  // characters
 
@@ -194,75 +193,38 @@ void viewer_window_t::on_drag_data_received(const Glib::RefPtr<Gdk::DragContext>
 }
 
 bool viewer_window_t::on_key_press_event(GdkEventKey* event) {
-    struct view_key_t {
-        guint key;
-        guint also;  // mostly the same on the keypad
-        void (picture_view_t::*action)();
-    };
-    static constexpr view_key_t view_keys[] = {
-        {GDK_KEY_Left, GDK_KEY_KP_Left, &picture_view_t::previous},
-        {GDK_KEY_Up, GDK_KEY_KP_Up, &picture_view_t::previous},
-        {GDK_KEY_Page_Up, GDK_KEY_KP_Page_Up, &picture_view_t::previous},
-        {GDK_KEY_BackSpace, GDK_KEY_BackSpace, &picture_view_t::previous},
-        {GDK_KEY_Right, GDK_KEY_KP_Right, &picture_view_t::next},
-        {GDK_KEY_Down, GDK_KEY_KP_Down, &picture_view_t::next},
-        {GDK_KEY_Page_Down, GDK_KEY_KP_Page_Down, &picture_view_t::next},
-        {GDK_KEY_space, GDK_KEY_KP_Space, &picture_view_t::next},
-        {GDK_KEY_Home, GDK_KEY_KP_Home, &picture_view_t::first},
-        {GDK_KEY_End, GDK_KEY_KP_End, &picture_view_t::last},
-        {GDK_KEY_plus, GDK_KEY_KP_Add, &picture_view_t::zoom_in},
-        {GDK_KEY_equal, GDK_KEY_equal, &picture_view_t::zoom_in},  // "+" without Shift on many keyboards
-        {GDK_KEY_minus, GDK_KEY_KP_Subtract, &picture_view_t::zoom_out},
-        {GDK_KEY_1, GDK_KEY_KP_1, &picture_view_t::one_to_one},
-        {GDK_KEY_0, GDK_KEY_KP_0, &picture_view_t::fit},
-        {GDK_KEY_r, GDK_KEY_R, &picture_view_t::turn_right},
-        {GDK_KEY_l, GDK_KEY_L, &picture_view_t::turn_left},
-    };
-    struct window_key_t {
+    struct key_t {
         guint key;
         guint also;
-        void (viewer_window_t::*action)();
+        void (*action)(viewer_window_t& window);
     };
-    static constexpr window_key_t window_keys[] = {
-        {GDK_KEY_f, GDK_KEY_F, &viewer_window_t::toggle_full_screen},
-        {GDK_KEY_F11, GDK_KEY_F11, &viewer_window_t::toggle_full_screen},
-        {GDK_KEY_Escape, GDK_KEY_Escape, &viewer_window_t::back},
-        {GDK_KEY_s, GDK_KEY_S, &viewer_window_t::toggle_slide_show},
-        {GDK_KEY_i, GDK_KEY_I, &viewer_window_t::toggle_info},
+    static constexpr key_t keys[] = {
+        {GDK_KEY_f, GDK_KEY_F, [](viewer_window_t& window) { window.toggle_full_screen(); }},
+        {GDK_KEY_F11, GDK_KEY_F11, [](viewer_window_t& window) { window.toggle_full_screen(); }},
+        {GDK_KEY_Escape, GDK_KEY_Escape, [](viewer_window_t& window) { window.back(); }},
+        {GDK_KEY_s, GDK_KEY_S, [](viewer_window_t& window) { window.toggle_slide_show(); }},
+        {GDK_KEY_i, GDK_KEY_I, [](viewer_window_t& window) { window.toggle_info(); }},
+        {GDK_KEY_BackSpace, GDK_KEY_BackSpace, [](viewer_window_t& window) { window.view_.previous(); }},
+        {GDK_KEY_space, GDK_KEY_KP_Space, [](viewer_window_t& window) { window.view_.next(); }},
+        {GDK_KEY_r, GDK_KEY_R, [](viewer_window_t& window) { window.view_.turn_right(); }},
+        {GDK_KEY_l, GDK_KEY_L, [](viewer_window_t& window) { window.view_.turn_left(); }},
     };
-    struct control_key_t {
-        guint key;
-        double right;
-        double down;
-    };
-    static constexpr control_key_t control_keys[] = {{GDK_KEY_Left, -pan_step, 0},
-                                                     {GDK_KEY_Up, 0, -pan_step},
-                                                     {GDK_KEY_Right, pan_step, 0},
-                                                     {GDK_KEY_Down, 0, pan_step}};
     if ((event->state & (GDK_MOD1_MASK | GDK_SUPER_MASK)) != 0) {
         return Gtk::Window::on_key_press_event(event);
     }
-    const auto meant = [event](const auto& row) { return row.key == event->keyval; };
-    const auto meant_also = [event](const auto& row) { return row.key == event->keyval || row.also == event->keyval; };
-    if ((event->state & GDK_CONTROL_MASK) != 0) {
-        if (const auto* row = std::find_if(std::begin(control_keys), std::end(control_keys), meant);
-            row != std::end(control_keys)) {
-            view_.pan(row->right, row->down);
-            return true;
-        }
-        if (event->keyval == GDK_KEY_q || event->keyval == GDK_KEY_w) {
-            close();
-            return true;
-        }
-    }
-    if (const auto* row = std::find_if(std::begin(view_keys), std::end(view_keys), meant_also);
-        row != std::end(view_keys)) {
-        (view_.*row->action)();
+    const bool control = (event->state & GDK_CONTROL_MASK) != 0;
+    if (control && (event->keyval == GDK_KEY_q || event->keyval == GDK_KEY_w)) {
+        close();
         return true;
     }
-    if (const auto* row = std::find_if(std::begin(window_keys), std::end(window_keys), meant_also);
-        row != std::end(window_keys)) {
-        (this->*row->action)();
+    if (view_.take_key(event->keyval, control)) {
+        return true;
+    }
+    const auto* const row = std::find_if(std::begin(keys), std::end(keys), [event](const key_t& key) {
+        return key.key == event->keyval || key.also == event->keyval;
+    });
+    if (row != std::end(keys)) {
+        row->action(*this);
         return true;
     }
     return Gtk::Window::on_key_press_event(event);

@@ -14,45 +14,28 @@ void photo_view_t::set_photos(const std::string& album, const std::vector<std::s
     album_ = album;
     names_ = names;
     photos_.clear();
-    index_ = 0;
+    index() = 0;
 }
 
-void photo_view_t::show_photo(size_t index) {
+void photo_view_t::show_picture(size_t index) {
     if (names_.empty()) {
         return;
     }
-    index = std::min(index, names_.size() - 1);
-    forwards_ = index >= index_;
-    index_ = index;
-    std::erase_if(photos_, [this](const auto& entry) { return entry.first + 1 < index_ || entry.first > index_ + 1; });
+    go_to(index);
+    index = this->index();
+    std::erase_if(photos_, [index](const auto& entry) { return entry.first + 1 < index || entry.first > index + 1; });
     fit();
-    get_accessible()->set_name(to_toolkit(names_[index_]));
+    get_accessible()->set_name(to_toolkit(names_[index()]));
     changed_.emit();
 }
 
-void photo_view_t::next() {
-    show_photo(index_ + 1);
-}
-
-void photo_view_t::previous() {
-    show_photo(index_ == 0 ? 0 : index_ - 1);
-}
-
-void photo_view_t::first() {
-    show_photo(0);
-}
-
-void photo_view_t::last() {
-    show_photo(names_.size());
-}
-
 void photo_view_t::reload() {
-    photos_.erase(index_);
+    photos_.erase(index());
     fit();
 }
 
 const photo_view_t::photo_t* photo_view_t::current() const {
-    const auto found = photos_.find(index_);
+    const auto found = photos_.find(index());
     return found == photos_.end() || !found->second.picture.pixels ? nullptr : &found->second;
 }
 
@@ -114,13 +97,11 @@ void photo_view_t::decode_size(photo_t& photo, double zoom) {
 bool photo_view_t::work_ahead() {
     if (const photo_t* const photo = current();
         photo != nullptr && wanted_size(photo->sizes, photo->picture.width * zoom()) != photo->decoded) {
-        decode_size(photos_[index_], zoom());
+        decode_size(photos_[index()], zoom());
         queue_draw();
         return true;
     }
-    const size_t before = index_ == 0 ? index_ : index_ - 1;
-    const size_t after = std::min(index_ + 1, names_.size() - 1);
-    for (const size_t neighbour : {forwards_ ? after : before, forwards_ ? before : after}) {
+    for (const size_t neighbour : neighbours()) {
         if (!photos_.contains(neighbour)) {
             decode(neighbour);
             return true;
@@ -141,11 +122,11 @@ bool photo_view_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         return true;
     }
     // Only here the widget surely has its size; and of several key presses between two redraws one is decoded.
-    const photo_t& photo = decode(index_);
+    const photo_t& photo = decode(index());
     if (photo.picture.pixels) {
         draw_picture(cr, photo.picture);
     } else {
-        draw_text(cr, to_toolkit(names_[index_]) + "\n" + message_text(msg_photo_not_shown));
+        draw_text(cr, to_toolkit(names_[index()]) + "\n" + message_text(msg_photo_not_shown));
     }
     plan_work();
     return true;

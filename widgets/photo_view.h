@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "toolkit/picture_area.h"
+#include "toolkit/picture_series.h"
 #include "widgets/upright_photo.h"
 
 namespace taloram {
@@ -12,17 +12,12 @@ namespace taloram {
 // Shows one photograph of a list large. It decodes the smallest size that fills what is seen; when nothing else is to
 // do, also the next and the previous photograph, and holds no other. A photograph that can't be decoded is shown by its
 // name; going on works.
-class photo_view_t : public picture_area_t {
+class photo_view_t : public picture_series_t {
   public:
     void set_photos(const std::string& album, const std::vector<std::string>& names);
 
-    // Shows a photograph of the list, fitted. An index past the end shows the last.
-    void show_photo(size_t index);
-    void next();
-    void previous();
-    void first();
-    void last();
-    [[nodiscard]] size_t index() const { return index_; }
+    void show_picture(size_t index) override;
+    [[nodiscard]] size_t count() const override { return names_.size(); }
 
     // Decodes the photograph again, whose files have changed.
     void reload();
@@ -59,8 +54,6 @@ class photo_view_t : public picture_area_t {
     std::string album_;
     std::vector<std::string> names_;
     std::map<size_t, photo_t> photos_;  // the one shown and its neighbours
-    size_t index_ = 0;
-    bool forwards_ = true;  // the last move, and so probably the next
     sigc::connection work_;
     sigc::signal<void> changed_;
 };
