@@ -63,7 +63,7 @@ std::optional<book_contents_t::edges_t> book_contents_t::read_edges(const std::s
     constexpr size_t block = 4096;  // bytes
     const libutils::open_file_t file(path);
     struct stat status {};
-    if (!file.is_regular() || !file.query(status)) {
+    if (file.check_regular() || file.query(status)) {
         return std::nullopt;
     }
     std::array<char, 2 * block> bytes{};

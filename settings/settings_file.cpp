@@ -157,20 +157,9 @@ void saveini(const char* dir, const char* name) {
 
 std::error_code save_settings(const std::string& path) {
     std::ostringstream out;
-<<<<<<< Updated upstream
-    const libutils::classic_numbers numbers(out);
-    write_text(out, "from", g_stored_paths.from.value_or(g_global.from));
-    write_text(out, "album", g_stored_paths.album.value_or(g_global.album));
-    writeiniline(out, "shrink_size", libutils::join_text(g_global.shrink_width, ",", g_global.shrink_height));
-    writeiniline(out, "jpeg_compress", g_global.jpeg_compress);
-    writeiniline(out, "horizontal_items", g_global.horizontal_items);
-    write_text(out, "html_header", g_global.html_header);
-    write_text(out, "html_address", g_global.html_address);
-=======
     for (const setting_t& row : settings) {
         writeiniline(out, row.key.data(), row.write());
     }
->>>>>>> Stashed changes
     libutils::new_file_t file(path, libutils::staging_t::beside);
     file.open_as_old();
     file.write(out.str());

@@ -32,7 +32,7 @@ std::optional<day_t> read_exif_day(const std::string& text) {
 
 std::optional<day_t> day_taken(const std::string& path) {
     photo_header_t header;
-    if (load_photo_header(header, path) != header_status_t::complete) {
+    if (!load_photo_header(header, path)) {
         return std::nullopt;
     }
     const libutils::bytes_t segment = header.app1();

@@ -5,31 +5,34 @@
 
 #include <cerrno>
 
+#include "libutils/system_error.h"
+
 namespace libutils {
 
 open_file_t::open_file_t(const std::string& path)
-    : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)) {
+    : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)),
+      failure_(is_open() ? std::error_code() : last_error()) {
 }
 
 open_file_t::~open_file_t() {
     if (is_open()) {
-        const int failure = errno;
         close(descriptor_);
-        errno = failure;
     }
 }
 
-bool open_file_t::query(struct stat& status) const {
-    return is_open() && fstat(descriptor_, &status) == 0;
+std::error_code open_file_t::query(struct stat& status) const {
+    if (failure_) {
+        return failure_;
+    }
+    return fstat(descriptor_, &status) == 0 ? std::error_code() : last_error();
 }
 
-bool open_file_t::is_regular() const {
+std::error_code open_file_t::check_regular() const {
     struct stat status {};
-    if (!query(status)) {
-        return false;
+    if (const std::error_code failure = query(status)) {
+        return failure;
     }
-    errno = EINVAL;
-    return S_ISREG(status.st_mode);
+    return S_ISREG(status.st_mode) ? std::error_code() : make_error_code(std::errc::invalid_argument);
 }
 
 void open_file_t::forget_cached() const {

@@ -5,24 +5,26 @@
 
 #include <cstddef>
 #include <string>
+#include <system_error>
 
 namespace libutils {
 
 // A file that is open for reading while this lives. What is asked of one that could not be opened fails.
 class open_file_t {
   public:
-    // errno tells why it is not open then. A pipe does not hold the program before it is found to be no regular file.
+    // A pipe does not hold the program before it is found to be no regular file.
     explicit open_file_t(const std::string& path);
-    ~open_file_t();  // errno stays
+    ~open_file_t();
     open_file_t(const open_file_t&) = delete;
     open_file_t& operator=(const open_file_t&) = delete;
 
     [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
+    [[nodiscard]] const std::error_code& failure() const { return failure_; }
     [[nodiscard]] int descriptor() const { return descriptor_; }
-    [[nodiscard]] bool query(struct stat& status) const;
+    [[nodiscard]] std::error_code query(struct stat& status) const;
 
-    // True for a regular file; else errno is set.
-    [[nodiscard]] bool is_regular() const;
+    // Why it is not open, or that it is no regular file.
+    [[nodiscard]] std::error_code check_regular() const;
 
     // What the system keeps of the file in memory is dropped, as far as it is on the disk already.
     void forget_cached() const;
@@ -36,6 +38,7 @@ class open_file_t {
 
   private:
     int descriptor_;
+    std::error_code failure_;  // to open it
 };
 
 }  // namespace libutils

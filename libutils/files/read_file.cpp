@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <array>
+#include <cerrno>
 #include <climits>
 #include <new>
 #include <stdexcept>
@@ -51,8 +52,8 @@ std::error_code read_regular(std::string& contents, const std::string& path, uin
         return refused;
     }
     const open_file_t file(path);
-    if (!file.query(status)) {
-        return last_error();
+    if (const std::error_code failure = file.query(status)) {
+        return failure;
     }
     if (const std::error_code refused = check_kind(status)) {
         return refused;
