@@ -1,9 +1,11 @@
 #include "dialogs/global_option_dialog.h"
 
 #include <gtkmm/filechooserdialog.h>
+#include <gtkmm/menuitem.h>
 #include <gtkmm/stock.h>
 
 #include "libutils/files/directory.h"
+#include "settings/looks.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "toolkit/text_encoding.h"
@@ -40,6 +42,21 @@ void set_up_spinner(Gtk::SpinButton& spinner, int characters, e_message_local_t 
     spinner.get_accessible()->set_name(message_text(name));
 }
 
+// What a look is like, in the user's language where it is one that comes with the program.
+Glib::ustring look_text(const look_t& look) {
+    struct text_t {
+        const char* name;
+        e_message_local_t text;
+    };
+    constexpr text_t texts[] = {{"bare", msg_look_bare}, {"gallery", msg_look_gallery}, {"plain", msg_look_plain}};
+    for (const text_t& text : texts) {
+        if (look.name == text.name) {
+            return to_toolkit(look.name) + ": " + message_text(text.text);
+        }
+    }
+    return to_toolkit(look.name + ": " + look.description);
+}
+
 }  // namespace
 
 GlobalOptionDialog::GlobalOptionDialog(Gtk::Window& parent, const char* progdir, const char* progname)
@@ -56,6 +73,7 @@ GlobalOptionDialog::GlobalOptionDialog(Gtk::Window& parent, const char* progdir,
     add_folder_row(album_row_, album_label_, msg_album_directory, album_entry_, album_button_);
     add_number_rows();
     add_entry_row(header_row_, header_label_, msg_html_header, header_entry_);
+    add_looks();
     add_entry_row(address_row_, address_label_, msg_html_address, address_entry_);
     add_scroller();
     from_button_.signal_clicked().connect(sigc::mem_fun(*this, &GlobalOptionDialog::button_from_dir));
@@ -108,6 +126,21 @@ void GlobalOptionDialog::add_number_rows() {
     size_row_.add(height_spinner_);
     add_row(quality_row_, quality_label_, msg_quality, quality_spinner_);
     add_row(quality_row_, items_label_, msg_items_per_row, items_spinner_);
+}
+
+void GlobalOptionDialog::add_looks() {
+    for (const look_t& look : installed_looks(program_directory_)) {
+        auto* item = Gtk::manage(new Gtk::MenuItem(look_text(look)));
+        item->signal_activate().connect([this, line = look.line] { header_entry_.set(line); });
+        looks_menu_.append(*item);
+    }
+    looks_menu_.show_all();
+    looks_button_.set_label(mnemonic_text(msg_looks, mnemonics_));
+    looks_button_.set_use_underline(true);
+    looks_button_.set_popup(looks_menu_);
+    looks_button_.set_sensitive(!looks_menu_.get_children().empty());
+    header_row_.add(looks_button_);
+    header_row_.child_property_expand(looks_button_) = false;
 }
 
 // The rows ask for more than a small screen has.

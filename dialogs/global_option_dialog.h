@@ -5,6 +5,8 @@
 #include <gtkmm/dialog.h>
 #include <gtkmm/entry.h>
 #include <gtkmm/label.h>
+#include <gtkmm/menu.h>
+#include <gtkmm/menubutton.h>
 #include <gtkmm/scrolledwindow.h>
 #include <gtkmm/sizegroup.h>
 #include <gtkmm/spinbutton.h>
@@ -20,7 +22,7 @@ namespace taloram {
 // runs the dialog until it is answered.
 class GlobalOptionDialog : public Gtk::Dialog {
   public:
-    // Where the program lies and its name, both for the settings file; they must outlive the dialog.
+    // Where the program lies, for the looks, and its name, for the settings file; they must outlive the dialog.
     GlobalOptionDialog(Gtk::Window& parent, const char* progdir, const char* progname);
 
     void read_from_global();
@@ -48,6 +50,7 @@ class GlobalOptionDialog : public Gtk::Dialog {
     void add_folder_row(Gtk::HBox& row, Gtk::Label& label, e_message_local_t text, text_entry_t& entry,
                         Gtk::Button& button);
     void add_number_rows();
+    void add_looks();
     void add_scroller();
     static void choose_folder(text_entry_t& entry, e_message_local_t title);
 
@@ -77,6 +80,8 @@ class GlobalOptionDialog : public Gtk::Dialog {
     Gtk::HBox header_row_;
     Gtk::Label header_label_;
     text_entry_t header_entry_;
+    Gtk::MenuButton looks_button_;
+    Gtk::Menu looks_menu_;
     Gtk::HBox address_row_;
     Gtk::Label address_label_;
     text_entry_t address_entry_;

@@ -102,8 +102,10 @@ enum e_message_local_t : talolib::e_message_t {
     msg_photo_damaged = 95,
     msg_names_clash = 96,   // names, two a line, follow
     msg_room_missing = 97,  // an amount follows
-    // looks: 98 to 101
-
+    msg_looks = 98,         // opens a list of them
+    msg_look_bare = 99,
+    msg_look_gallery = 100,
+    msg_look_plain = 101,
     // the album maker: 102 to 111
 
     // progress: 112 to 121

@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "dialogs/global_option_dialog.h"
+#include "settings/looks.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 #include "tests/dialogs/toolkit_driver.h"
@@ -52,6 +53,32 @@ TEST(OptionDialog, StoresAndSavesOnOkOnly) {
     EXPECT_EQ(g_global.horizontal_items, 0U);
     EXPECT_EQ(g_global.html_header, texts[6]);
     EXPECT_EQ(g_global.html_address, "");
+    g_global = global_t();
+}
+
+TEST(OptionDialog, FillsInALook) {
+    g_global = global_t();
+    const char* const name = "option-test-looks";
+    Gtk::Window parent;
+    GlobalOptionDialog without(parent, "/none/", name);
+    without.show();
+    EXPECT_FALSE(find_button(without, "Looks...")->get_sensitive());
+    without.hide();
+    GlobalOptionDialog dialog(parent, TALORAM_PROGRAMS "/", name);
+    dialog.show();
+    auto* button = dynamic_cast<Gtk::MenuButton*>(find_button(dialog, "Looks..."));
+    ASSERT_NE(button, nullptr);
+    const std::vector<Gtk::Widget*> items = button->get_popup()->get_children();
+    ASSERT_EQ(items.size(), 3U);
+    EXPECT_EQ(dynamic_cast<Gtk::MenuItem&>(*items.back()).get_label(),
+              "plain: Readable on every screen, light or dark as the reader prefers");
+    items[1]->activate();
+    click(dialog, "Cancel");
+    EXPECT_EQ(g_global.html_header, global_t().html_header);
+    click(dialog, "OK");
+    g_global = global_t();
+    ASSERT_TRUE(loadini("", name));
+    EXPECT_EQ(g_global.html_header, installed_looks(TALORAM_PROGRAMS "/")[1].line) << "as long as it is";
     g_global = global_t();
 }
 
