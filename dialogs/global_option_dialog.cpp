@@ -131,7 +131,10 @@ void GlobalOptionDialog::add_number_rows() {
 void GlobalOptionDialog::add_looks() {
     for (const look_t& look : installed_looks(program_directory_)) {
         auto* item = Gtk::manage(new Gtk::MenuItem(look_text(look)));
-        item->signal_activate().connect([this, line = look.line] { header_entry_.set(line); });
+        item->signal_activate().connect([this, line = look.line] {
+            header_entry_.set(line);
+            header_entry_.entry.grab_focus();  // Return is OK there
+        });
         looks_menu_.append(*item);
     }
     looks_menu_.show_all();
