@@ -11,7 +11,7 @@ import urllib.request
 
 OPTIONS = [
     "--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-first-run", "--disable-background-networking",
-    "--disable-component-update", "--disable-sync", "--hide-scrollbars=false",
+    "--disable-component-update", "--disable-sync",
     # Whatever is asked for by a name is not found: pages must do without.
     "--host-resolver-rules=MAP * ~NOTFOUND , EXCLUDE localhost",
 ]
@@ -34,7 +34,8 @@ class Browser:
             port = re.search(r"started successfully on port (\d+)", line)
         self.base = f"http://localhost:{port[1]}"
         chrome = {"args": OPTIONS + [f"--user-data-dir={self.profile}"]}
-        capabilities = {"browserName": "chrome", "goog:chromeOptions": chrome, "goog:loggingPrefs": {"browser": "ALL"}}
+        capabilities = {"browserName": "chrome", "goog:chromeOptions": chrome,
+                        "goog:loggingPrefs": {"browser": "ALL", "performance": "ALL"}}
         try:
             answer = self.ask("POST", "/session", {"capabilities": {"alwaysMatch": capabilities}})
         except Exception:
@@ -83,9 +84,14 @@ class Browser:
         strokes = [{"type": "keyDown", "value": code}, {"type": "keyUp", "value": code}]
         self.post("actions", actions=[{"type": "key", "id": "keyboard", "actions": strokes}])
 
-    def log(self):
+    def complaints(self):
         """What the browser had to say since the last call."""
         return [entry["message"] for entry in self.post("se/log", type="browser")]
+
+    def requests(self):
+        """What pages asked for since the last call."""
+        events = [json.loads(entry["message"])["message"] for entry in self.post("se/log", type="performance")]
+        return [event["params"]["request"]["url"] for event in events if event["method"] == "Network.requestWillBeSent"]
 
     def set_screen(self, width, height, dots=1, phone=False):
         self.developer("Emulation.setDeviceMetricsOverride", width=width, height=height, deviceScaleFactor=dots,
@@ -97,8 +103,9 @@ class Browser:
     def set_scripts(self, allowed):
         self.developer("Emulation.setScriptExecutionDisabled", value=not allowed)
 
-    def picture(self, path, whole=False):
-        """Of what the screen shows, or of the whole page."""
-        answer = self.developer("Page.captureScreenshot", format="png", captureBeyondViewport=whole)
+    def picture(self, path, width, height, scale):
+        """A JPEG file of what a window of this size shows."""
+        part = {"x": 0, "y": self.run("return scrollY"), "width": width, "height": height, "scale": scale}
+        answer = self.developer("Page.captureScreenshot", format="jpeg", quality=85, clip=part)
         with open(path, "wb") as out:
             out.write(base64.b64decode(answer["data"]))
