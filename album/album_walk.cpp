@@ -85,6 +85,9 @@ walk_outcome_t walk_t::visit(const std::string& path, bool named_by_user) {
     }
     walk_outcome_t outcome;
     for (const auto& [name, is_link] : entries) {
+        if (is_link && !visitor_.follows_links) {
+            continue;
+        }
         const std::string below_path = entry_path(path, name);
         const walk_outcome_t below = is_link ? visit_album(below_path) : visit(below_path, false);
         outcome.succeeded = below.succeeded && outcome.succeeded;

@@ -9,6 +9,7 @@ namespace taloram {
 struct album_visitor_t {
     std::function<bool(const std::string& album)> album;
     std::function<bool(const std::string& book)> book;  // after the albums below it
+    bool follows_links = true;                          // to albums
 };
 
 // What became of a directory and all below it.

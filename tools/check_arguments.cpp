@@ -195,6 +195,16 @@ bool check_turn(const turn_command_t& command, std::string& album) {
     return true;
 }
 
+bool check_publish(const publish_command_t& command, taloram::publish_order_t& order) {
+    order = {libutils::strip_trailing_slash(command.source), libutils::strip_trailing_slash(command.directory),
+             command.keep_data, command.prune};
+    if (!taloram::is_album(order.source) && !taloram::is_book(order.source)) {
+        return wrong_use(command.source, ": no album or book.");
+    }
+    const std::string reason = taloram::unfit_copy(order);
+    return reason.empty() || wrong_use(command.directory, reason);
+}
+
 bool check_photos(const std::vector<std::string>& photos) {
     for (const std::string& photo : photos) {
         if (!is_file(photo)) {

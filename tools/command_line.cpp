@@ -201,6 +201,17 @@ CLI::App* define_look(CLI::App& app, look_command_t& command) {
     return look;
 }
 
+CLI::App* define_publish(CLI::App& app, publish_command_t& command) {
+    CLI::App* const publish = app.add_subcommand("publish", "Make a copy of an album or book for readers");
+    publish->add_option("dir", command.source, "an album, or a book with all albums below it")
+        ->required()
+        ->type_name("");
+    publish->add_option("copy_dir", command.directory, "the copy; made when missing")->required()->type_name("");
+    add_flag(*publish, "--keep-data", command.keep_data, "keep all that photographs tell: places, cameras, previews");
+    add_flag(*publish, "--prune", command.prune, "remove what was published before and is no longer in the album");
+    return publish;
+}
+
 }  // namespace
 
 std::optional<command_t> parse_command_line(int argc, const char* const* argv, int& status) {
@@ -216,6 +227,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     turn_command_t turn;
     exif_command_t exif;
     look_command_t look;
+    publish_command_t publish;
     const CLI::App* const album_app = define_album(app, album);
     const CLI::App* const update_app = define_update(app, update);
     const CLI::App* const verify_app = define_verify(app, verify);
@@ -223,6 +235,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     const CLI::App* const turn_app = define_turn(app, turn);
     define_exif(app, exif);
     const CLI::App* const look_app = define_look(app, look);
+    const CLI::App* const publish_app = define_publish(app, publish);
     app.footer(
         "Each command has --help. Settings are those of the file .taloram in the home directory; options win for one "
         "run.\n" +
@@ -256,6 +269,11 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     }
     if (look_app->parsed()) {
         return look;
+    }
+    if (publish_app->parsed()) {
+        publish.source = plain(publish.source);
+        publish.directory = plain(publish.directory);
+        return publish;
     }
     exif.photos = plain(exif.photos);
     return exif;

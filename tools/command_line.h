@@ -73,8 +73,15 @@ struct look_command_t {
     bool set = false;                 // into the settings file
 };
 
+struct publish_command_t {
+    std::string source;     // an album or a book
+    std::string directory;  // of the copy
+    bool keep_data = false;
+    bool prune = false;
+};
+
 using command_t = std::variant<album_command_t, update_command_t, verify_command_t, book_command_t, turn_command_t,
-                               exif_command_t, look_command_t>;
+                               exif_command_t, look_command_t, publish_command_t>;
 
 // The command to run. Empty when there is none: `status` is then what the program ends with, after help or the version
 // went to standard output or one line about wrong use to standard error.

@@ -13,6 +13,7 @@
 #include "album/make_album.h"
 #include "album/pages/album_pages.h"
 #include "album/pages/book_index.h"
+#include "album/publish/publish.h"
 #include "album/sums/verification.h"
 #include "album/turn/turn_photo.h"
 #include "album/write_lock.h"
@@ -207,6 +208,27 @@ class runner_t {
             }
         }
         return status;
+    }
+
+    int operator()(const publish_command_t& command) const {
+        publish_order_t order;
+        if (!check_publish(command, order)) {
+            return programs::status_wrong_use;
+        }
+        start_up(program_);
+        published_t result;
+        {
+            shown_progress_t progress(progress_mode_t::automatic);
+            result = publish(order, progress.signals.copy);
+        }
+        if (result.outdated != 0) {
+            libutils::report("talomake: ", result.outdated,
+                             " files that were published before are no longer in the album; --prune removes them.");
+        }
+        if (result.is_complete) {
+            std::cout << order.directory << "/index.html\n" << std::flush;
+        }
+        return result.is_complete ? programs::status_done : programs::status_failed;
     }
 
     int operator()(const look_command_t& command) const { return run_look(program_, command); }

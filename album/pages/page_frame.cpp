@@ -73,7 +73,7 @@ void write_page_end(std::ostream& out) {
 
 void write_page_foot(std::ostream& out, page_texts_t& texts) {
     writephotocomment(out, texts.last, 0);
-    out << "<p><center><a href=\"../index.html\">UP</a></center>\n";
+    out << line_up;
     write_page_end(out);
 }
 

@@ -5,6 +5,7 @@
 #include <ostream>
 #include <sstream>
 #include <string>
+#include <string_view>
 
 #include "album/texts/comment_store.h"
 #include "libutils/files/new_file.h"
@@ -43,6 +44,9 @@ void write_page_head(std::ostream& out, page_texts_t& texts);
 
 // From the rule to "</HTML>": the address and the time stamp.
 void write_page_end(std::ostream& out);
+
+// The link to the page above.
+constexpr std::string_view line_up = "<p><center><a href=\"../index.html\">UP</a></center>\n";
 
 // The closing text, the link to the page above, and the end.
 void write_page_foot(std::ostream& out, page_texts_t& texts);

@@ -64,7 +64,7 @@ void tiff_header_t::set_tiff_buffer(const bytes_t& tiff) {
     bytes_t::operator=(tiff);
 }
 
-bool tiff_header_t::parse() {
+bool tiff_header_t::find_0th_ifd() {
     clear_records();
     if (size() < header_size) {
         libutils::report("too few tiff header size.");
@@ -86,10 +86,16 @@ bool tiff_header_t::parse() {
         return false;
     }
     ifd_0th = subview(start, directory_size(*entries));
-    if (!parse_0th_ifd(ifd_0th)) {
+    return true;
+}
+
+bool tiff_header_t::parse() {
+    if (!find_0th_ifd() || !parse_0th_ifd(ifd_0th)) {
         return false;
     }
-    read_1st_ifd(start + ifd_count_size + ifd_entry_size * *entries);
+    const libutils::byte_reader tiff(*this, order());
+    const uint64_t start = *tiff.u32(4);
+    read_1st_ifd(start + ifd_count_size + ifd_entry_size * *tiff.u16(start));
     return true;
 }
 

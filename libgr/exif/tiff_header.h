@@ -36,6 +36,9 @@ class tiff_header_t : public libutils::bytes_t {
     // False when the structure can't be read; the records then hold what was read before.
     [[nodiscard]] bool parse();
 
+    // The first step of it: the byte order and `ifd_0th`, for who walks that directory alone.
+    [[nodiscard]] bool find_0th_ifd();
+
     // Readers of one directory; `ifd` starts at its entry count.
     [[nodiscard]] bool parse_0th_ifd(bytes_t& ifd);
     [[nodiscard]] bool parse_1st_ifd(bytes_t& ifd);

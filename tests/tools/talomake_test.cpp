@@ -79,7 +79,8 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         EXPECT_THAT(result.err, MatchesRegex("talomake: [^\n]+\n"));
         EXPECT_EQ(run(state).out, before);
     }
-    for (const std::string command : {"", "album ", "update ", "verify ", "book ", "turn ", "exif ", "look "}) {
+    for (const std::string command :
+         {"", "album ", "update ", "verify ", "book ", "turn ", "exif ", "look ", "publish "}) {
         EXPECT_THAT(run("talomake " + command + "--help").out, HasSubstr("talomake " + command + "[OPTIONS] "));
     }
 }
