@@ -20,6 +20,7 @@
 #include "toolkit/text_encoding.h"
 #include "widgets/message_box.h"
 #include "widgets/raise_window.h"
+#include "widgets/removal.h"
 #include "widgets/table_scroller.h"
 
 namespace taloram {
@@ -396,14 +397,7 @@ void EditBookDialog::button_list(size_t index) {
 
 void EditBookDialog::button_remove(size_t index) {
     const std::string path = items_[index].entry.path;
-    if (!ask_to_remove(*this, msg_remove,
-                       to_toolkit(items_[index].entry.name) + "\n" + message_text(msg_removes_photos))) {
-        return;
-    }
-    if (!remove_tree(path)) {
-        show_error(*this, message_text(msg_remove_failed) + "\n" + to_toolkit(path));
-    }
-    if (rewrite_page()) {
+    if (ask_and_remove(*this, path) && rewrite_page()) {
         refresh();
     }
 }

@@ -111,6 +111,21 @@ enum e_message_local_t : talolib::e_message_t {
     // progress: 112 to 121
 
     // viewers, trash, desktop: 122 to 136
+    msg_check_originals = 122,
+    msg_as_imported = 123,   // a number follows
+    msg_sums_written = 124,  // a time follows
+    msg_flaws_found = 125,   // files follow, each with one of the next four
+    msg_flaw_changed = 126,
+    msg_flaw_missing = 127,
+    msg_flaw_unlisted = 128,
+    msg_flaw_unreadable = 129,  // a reason follows
+    msg_no_sums = 130,
+    msg_check_stopped = 131,  // a number follows
+    msg_move_to_trash = 132,
+    msg_no_trash = 133,  // a reason follows
+    msg_guide = 134,
+    msg_source_now = 135,  // a directory follows
+    msg_progress_compare = 136,
 
     // colour: 137 to 144
 

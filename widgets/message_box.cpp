@@ -1,7 +1,9 @@
 #include "widgets/message_box.h"
 
+#include <gtkmm/buttonbox.h>
 #include <gtkmm/label.h>
 #include <gtkmm/messagedialog.h>
+#include <gtkmm/stock.h>
 
 #include "toolkit/text_encoding.h"
 
@@ -57,10 +59,23 @@ bool ask_yes_no(Gtk::Window& parent, e_message_local_t text) {
     return run_box(box, message_text(msg_message_box), Gtk::RESPONSE_NO) == Gtk::RESPONSE_YES;
 }
 
-bool ask_to_remove(Gtk::Window& parent, e_message_local_t text, const Glib::ustring& detail) {
+removal_t ask_to_remove(Gtk::Window& parent, e_message_local_t text, const Glib::ustring& detail) {
+    constexpr int trash = 1;
     Gtk::MessageDialog box(parent, message_text(text), false, Gtk::MESSAGE_WARNING, Gtk::BUTTONS_OK_CANCEL, true);
     box.set_secondary_text(shortened(detail));
-    return run_box(box, message_text(text), Gtk::RESPONSE_CANCEL) == Gtk::RESPONSE_OK;
+    std::string letters = stock_letters({Gtk::Stock::OK, Gtk::Stock::CANCEL});
+    Gtk::Button& button = *box.add_button(mnemonic_text(msg_move_to_trash, letters), trash);
+    if (auto* row = dynamic_cast<Gtk::ButtonBox*>(button.get_parent())) {
+        row->set_child_secondary(button);
+    }
+    switch (run_box(box, message_text(text), Gtk::RESPONSE_CANCEL)) {
+        case Gtk::RESPONSE_OK:
+            return removal_t::for_good;
+        case trash:
+            return removal_t::to_trash;
+        default:
+            return removal_t::none;
+    }
 }
 
 }  // namespace taloram

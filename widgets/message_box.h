@@ -18,7 +18,9 @@ void show_failure(Gtk::Window& parent, e_message_local_t text, const std::string
 // An error box with Yes and No; true for Yes.
 [[nodiscard]] bool ask_yes_no(Gtk::Window& parent, e_message_local_t text);
 
-// A warning titled with its own text, with OK and Cancel; `detail` names what is meant. True for OK.
-[[nodiscard]] bool ask_to_remove(Gtk::Window& parent, e_message_local_t text, const Glib::ustring& detail);
+enum class removal_t { none, for_good, to_trash };
+
+// A warning titled with its own text, with OK (for good), Cancel and the trash; `detail` names what is meant.
+[[nodiscard]] removal_t ask_to_remove(Gtk::Window& parent, e_message_local_t text, const Glib::ustring& detail);
 
 }  // namespace taloram

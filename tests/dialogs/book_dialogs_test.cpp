@@ -118,15 +118,32 @@ TEST_F(BookDialogs, RenamesAndRemovesTheRightEntries) {
         EXPECT_THAT(names(), ElementsAre("a", "b", "new; b", "txt", old_card));
         EXPECT_EQ("was c", title_of(book_ + "/b"));
         type(dialog, 0, "Journeys");
-        for (const char* answer : {"Cancel", "OK"}) {
-            EXPECT_THAT(names(), Contains(old_card));
-            on_next_dialog([&old_card, answer](Gtk::Dialog& box) {
+        const auto answer = [&old_card](const char* button) {
+            on_next_dialog([&old_card, button](Gtk::Dialog& box) {
                 EXPECT_TRUE(shows_text(box, to_toolkit(old_card) + "\n" + message_text(msg_removes_photos)));
-                click(box, answer);
+                click(box, button);
             });
-            click(dialog, "Remove " + to_toolkit(old_card));
-        }
+        };
+        // A home that can hold no trash: the question comes again.
+        const std::string trash = Glib::get_user_data_dir() + "/Trash";
+        std::filesystem::create_directories(Glib::get_user_data_dir());
+        write_file(trash, std::string());
+        answer("Move to Trash");
+        on_next_dialog([](Gtk::Dialog& box) {
+            EXPECT_TRUE(shows_lines(box, message_text(msg_no_trash)));
+            click(box, "OK");
+        });
+        answer("Cancel");
+        click(dialog, "Remove " + to_toolkit(old_card));
+        EXPECT_THAT(names(), Contains(old_card));
+        answer("OK");
+        click(dialog, "Remove " + to_toolkit(old_card));
         EXPECT_THAT(names(), ElementsAre("a", "b", "new; b", "txt"));
+        std::filesystem::remove(trash);
+        answer_next(message_text(msg_remove), "Move to Trash");
+        click(dialog, "Remove new; b");
+        EXPECT_THAT(names(), ElementsAre("a", "b", "txt"));
+        EXPECT_EQ("was b", title_of(trash + "/files/new; b"));
         click(dialog, "OK");
     });
     edit_book(window_, book_);

@@ -165,6 +165,7 @@ int main(int argc, char** argv) {
     setenv("NO_AT_BRIDGE", "1", 1);
     unsetenv("LANG");
     unsetenv("XDG_CONFIG_HOME");
+    unsetenv("XDG_DATA_HOME");  // the trash
     testing::InitGoogleMock(&argc, argv);
     Gtk::Main toolkit(argc, argv);
     EXPECT_NE("", talolib::init_message(TALORAM_CATALOGUES "/", "taloram"));
