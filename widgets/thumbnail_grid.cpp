@@ -29,13 +29,15 @@ Glib::ustring first_line(const Glib::ustring& text) {
 }  // namespace
 
 Glib::ustring photo_comment(const std::string& album, const std::string& name) {
-    std::string text;
-    if (!loadphotocomment(text, album, name)) {
-        return {};
+    std::optional<std::string> text;
+    if (const unread_text_t unread = load_photo_comment(text, album, name)) {
+        report_unread(unread);
+        return message_text(msg_text_unreadable) + " " + to_toolkit(unread.path + ": " + unread.reason.message());
     }
-    std::erase(text, '\r');
-    libutils::chop2(text);
-    return to_toolkit(text);
+    std::string shown = text.value_or("");
+    std::erase(shown, '\r');
+    libutils::chop2(shown);
+    return to_toolkit(shown);
 }
 
 Glib::ustring photo_summary(const std::string& album, const std::string& name) {

@@ -64,7 +64,8 @@ class thumbnail_grid_t : public Gtk::ScrolledWindow {
     sigc::signal<void, size_t> opened_;
 };
 
-// The comment of a photograph, empty without one, and its EXIF summary as plain lines.
+// The comment of a photograph, empty without one, what can't be read and why in its place; and its EXIF summary as
+// plain lines.
 [[nodiscard]] Glib::ustring photo_comment(const std::string& album, const std::string& name);
 [[nodiscard]] Glib::ustring photo_summary(const std::string& album, const std::string& name);
 

@@ -26,19 +26,22 @@ void set_comment(Gtk::Label& label, std::string text) {
 }  // namespace
 
 void viewer_texts_t::load(const std::string& directory) {
-    std::string title_text;
-    std::string head_text;
-    std::string last_text;
-    loadcommenttxt(directory, title_text, head_text, last_text);
-    libutils::chop2(title_text);
+    comment_texts_t texts;
+    const unread_text_t unread = load_comments(texts, directory);
+    libutils::chop2(texts.title);
     title.set_markup(
         "<b>" +
-        Glib::Markup::escape_text(to_toolkit(title_text.empty() ? libutils::last_component(directory) : title_text)) +
+        Glib::Markup::escape_text(to_toolkit(texts.title.empty() ? libutils::last_component(directory) : texts.title)) +
         "</b>");
     title.set_ellipsize(Pango::ELLIPSIZE_END);
     title.set_tooltip_text(title.get_text());
-    set_comment(head, head_text);
-    set_comment(last, last_text);
+    set_comment(head, texts.head);
+    set_comment(last, texts.last);
+    if (unread) {
+        report_unread(unread);
+        head.set_text(message_text(msg_text_unreadable) + " " +
+                      to_toolkit(unread.path + ": " + unread.reason.message()));
+    }
 }
 
 Gtk::Widget& scrolled_text(Gtk::Label& label) {

@@ -16,7 +16,8 @@ struct viewer_texts_t {
     Gtk::Label head;
     Gtk::Label last;
 
-    // Loads the texts of `directory`; without a title its name stands for one. What is empty takes no room.
+    // Loads the texts of `directory`; without a title its name stands for one. What is empty takes no room. A text that
+    // can't be read is reported, and named in the place of the opening text.
     void load(const std::string& directory);
 };
 

@@ -2,12 +2,15 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+
 #include "album/import/import.h"
 #include "dialogs/view_album_dialog.h"
 #include "dialogs/view_book_dialog.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "toolkit/text_encoding.h"
 
 namespace {
 
@@ -111,6 +114,26 @@ TEST(ViewAlbumDialog, many_photographs_have_few_widgets) {
     press_key(dialog, GDK_KEY_End);
     press_key(dialog, GDK_KEY_Escape);
     EXPECT_EQ("499.jpg", focused());
+}
+
+TEST(Viewers, tell_which_texts_cant_be_read) {
+    book_t book;
+    const std::string head = book.album + "/txt/head.txt";
+    const std::string comment = book.album + "/txt/big.jpg.txt";
+    for (const std::string& text : {head, comment}) {
+        std::filesystem::remove(text);
+        std::filesystem::create_directory(text);
+    }
+    const auto notice = [](const std::string& path) {
+        return message_text(msg_text_unreadable) + " " + path + ": Is a directory";
+    };
+    EXPECT_NE("", stderr_of([&] {
+                  ViewAlbumDialog dialog(book.window, book.album, "");
+                  dialog.show();
+                  EXPECT_TRUE(shows_text(dialog, notice(head)));
+                  press_key(dialog, GDK_KEY_Return);
+                  EXPECT_TRUE(shows_text(dialog, notice(comment)));
+              }));
 }
 
 TEST(UprightPhoto, every_orientation) {
