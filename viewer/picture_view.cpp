@@ -69,10 +69,10 @@ void picture_view_t::turn_right() {
 }
 
 void picture_view_t::turn(unsigned count) {
-    turns_[this->index()] = (turns_of(this->index()) + count) % 4;
-    if (const auto found = entries_.find(this->index()); found != entries_.end()) {
-        found->second.fitted.turns = turns_of(this->index());
-        found->second.detailed.turns = turns_of(this->index());
+    turns_[index()] = (turns_of(index()) + count) % 4;
+    if (const auto found = entries_.find(index()); found != entries_.end()) {
+        found->second.fitted.turns = turns_of(index());
+        found->second.detailed.turns = turns_of(index());
     }
     fit();
 }
@@ -88,12 +88,12 @@ const picture_view_t::entry_t* picture_view_t::find(size_t index) const {
 }
 
 picture_view_t::facts_t picture_view_t::facts() const {
-    const entry_t* const entry = find(this->index());
+    const entry_t* const entry = find(index());
     if (entry == nullptr) {
         return {};
     }
     facts_t facts = entry->facts;
-    if (turns_of(this->index()) % 2 != 0) {
+    if (turns_of(index()) % 2 != 0) {
         std::swap(facts.width, facts.height);
     }
     return facts;
@@ -110,7 +110,7 @@ int picture_view_t::shown_pixels_width() const {
 }
 
 const taloram::shown_picture_t* picture_view_t::shown() const {
-    const entry_t* const entry = find(this->index());
+    const entry_t* const entry = find(index());
     if (entry == nullptr || !entry->fitted.pixels) {
         return nullptr;
     }
@@ -132,7 +132,7 @@ bool picture_view_t::is_fitted_enough(size_t index) const {
 }
 
 bool picture_view_t::is_detailed_enough() const {
-    const entry_t* const entry = find(this->index());
+    const entry_t* const entry = find(index());
     if (entry == nullptr || !entry->fitted.pixels) {
         return true;
     }
@@ -154,9 +154,9 @@ void picture_view_t::plan() {
             wanted.push_back(fitted_request(index));
         }
     };
-    add(this->index());
+    add(index());
     if (!is_fitted() && !is_detailed_enough()) {
-        picture_request_t request = fitted_request(this->index());
+        picture_request_t request = fitted_request(index());
         request.zoom = std::min(zoom(), 1.0);
         wanted.push_back(request);
     }
@@ -171,10 +171,10 @@ void picture_view_t::take_loaded() {
     picture_loader_t::result_t result;
     while (loader_.take(result)) {
         // The same file may stand in the list twice; the nearest place is as good as any.
-        for (const size_t index :
-             {this->index(), this->index() + 1, this->index() == 0 ? this->index() : this->index() - 1}) {
-            if (index < pictures_.size() && pictures_[index] == result.request.picture) {
-                take(index, result);
+        const auto [next, other] = neighbours();
+        for (const size_t place : {index(), next, other}) {
+            if (place < pictures_.size() && pictures_[place] == result.request.picture) {
+                take(place, result);
                 break;
             }
         }
@@ -217,7 +217,7 @@ bool picture_view_t::on_draw(const Cairo::RefPtr<Cairo::Context>& cr) {
         return true;
     }
     const Glib::ustring shown_name = taloram::to_toolkit(name());
-    const entry_t* const entry = find(this->index());
+    const entry_t* const entry = find(index());
     if (const taloram::shown_picture_t* const picture = shown()) {
         draw_picture(cr, *picture);
     } else if (entry != nullptr) {

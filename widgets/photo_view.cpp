@@ -14,7 +14,7 @@ void photo_view_t::set_photos(const std::string& album, const std::vector<std::s
     album_ = album;
     names_ = names;
     photos_.clear();
-    index() = 0;
+    go_to(0);
 }
 
 void photo_view_t::show_picture(size_t index) {
@@ -25,7 +25,7 @@ void photo_view_t::show_picture(size_t index) {
     index = this->index();
     std::erase_if(photos_, [index](const auto& entry) { return entry.first + 1 < index || entry.first > index + 1; });
     fit();
-    get_accessible()->set_name(to_toolkit(names_[index()]));
+    get_accessible()->set_name(to_toolkit(names_[index]));
     changed_.emit();
 }
 

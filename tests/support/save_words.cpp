@@ -1,6 +1,6 @@
 #include <string>
 
-#include "album/comment_store.h"
+#include "album/texts/comment_store.h"
 #include "settings/settings.h"
 #include "settings/settings_file.h"
 
