@@ -213,7 +213,7 @@ def main():
                     check_widths(browser, pages, look)
                 if look == "gallery":
                     check_scripts(browser, place)
-                if pictures:
+                if pictures and look != "bare":
                     take_pictures(browser, place, look, pictures)
                 print(f"{look}: {len(pages)} pages")
     finally:
