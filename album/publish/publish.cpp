@@ -297,8 +297,8 @@ published_t publisher_t::run() {
     if (!lock_album(lock, order_.directory) || !plan_.find_units() || !is_fit()) {
         return result;
     }
-    // The mark of the copy, before anything that it is known by.
-    if (put_record(plan_.units().back())) {
+    // The mark of the whole copy, where it is not that of the first unit.
+    if (plan_.units().size() == 1 || put_record(plan_.units().back())) {
         for (publish_unit_t& unit : plan_.units()) {
             if (!is_stopped_) {
                 publish_unit(unit);

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Kills talomake at random moments of imports and updates, and looks at the album each time: what bears a final name is
+# Kills talomake at random moments of imports, updates and publishing, and looks at the album each time: what bears a final name is
 # complete. After one to three kills the same command, undisturbed, has to end with the album that it would have made
 # had there been none. Half of the kills happen without files that have no name.
 #
@@ -18,6 +18,9 @@ card=$place/card
 album=$place/album
 imported=$place/imported
 older=$place/older
+published=$place/published
+published_older=$place/published-older
+published_again=$place/published-again
 broken=$place/broken
 updated=$place/updated
 replaced=$place/replaced
@@ -26,6 +29,8 @@ turned=(--rotate IMG_0002.JPG=90 --rotate IMG_0004.JPG=180)
 import=(album "${sizes[@]}" "${turned[@]}" "$card" "$album")
 replace=("${import[@]}" --replace --verify --title "A day by the sea")
 update=(update "${sizes[@]}" "$album")
+publish=(publish "$imported" "$album")
+publish_again=(publish --prune "$replaced" "$album")
 declare -A killed_in
 
 # Sizes, thumbnails and pages of an album that lost about half of them; of a turned photograph, level 0 alone.
@@ -60,6 +65,12 @@ prepare_references() {
     mv "$place/new-card" "$card"
     ends_with 0 "$bin/talomake" "${replace[@]}"
     mv "$album" "$replaced"
+
+    ends_with 0 "$bin/talomake" "${publish[@]}"
+    mv "$album" "$published"
+    ends_with 0 "$bin/talomake" "${publish_again[@]}"
+    mv "$album" "$published_again"
+    ends_with 0 "$bin/talomake" publish "$older" "$published_older"
 }
 
 now() {
@@ -154,5 +165,7 @@ for restricted in "" "$bin/restricted --no-unnamed-files"; do
     how=${restricted[*]:+ without unnamed files}
     kill_often "import$how" "" "$imported" "${import[@]}"
     kill_often "update$how" "$broken" "$updated" "${update[@]}"
+    kill_often "readers' copy$how" "" "$published" "${publish[@]}"
+    kill_often "readers' copy over another$how" "$published_older" "$published_again" "${publish_again[@]}"
     kill_often "verified import over another album$how" "$older" "$replaced" "${replace[@]}"
 done

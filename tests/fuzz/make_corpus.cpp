@@ -24,6 +24,7 @@ void add_photo(const std::string& corpus, blob_t file) {
     file.resize(std::min<size_t>(file.size(), 65536));
     add("markers", file);
     add("summary", file);
+    add("published", file);
     const std::string exif = "Exif\0\0"s;
     const auto found = std::search(file.begin() + 2, file.end(), exif.begin(), exif.end());
     if (found != file.end()) {
@@ -51,6 +52,25 @@ blob_t with_maker_note(const std::string& make, const std::string& header) {
     return make_jpeg({.width = 24, .height = 16, .segments = {{0xE1, all.app1()}}});
 }
 
+std::string box(const std::string& type, const std::string& contents) {
+    return std::string(3, '\0') + static_cast<char>(8 + contents.size()) + type + contents;
+}
+
+// Movies with a place in each form, and a page.
+void add_others(const std::string& corpus) {
+    const std::string key = "\0\0\0\x2Cmdtacom.apple.quicktime.location.ISO6709"s;
+    const std::string keys = box("meta", box("hdlr", "x") + box("keys", "\0\0\0\0\0\0\0\1"s + key));
+    const std::string wide = "\0\0\0\1mdat\0\0\0\0\0\0\0\x12xx"s;
+    for (const std::string& movie :
+         {wide + box("moov", keys), box("moov", box("trak", box("udta", box("loci", "x")))),
+          box("ftyp", "qt  ") + box("moov", box("udta", box("\xA9xyz", "\0\x08\x15\xC7+48+011/"s)))}) {
+        std::filesystem::create_directories(corpus + "/movies");
+        write_file(corpus + "/movies/seed-" + std::to_string(movie.size()), movie);
+    }
+    write_file(corpus + "/published/page",
+               "<!-- x --><A HREF='a%20b?c'><img src=d srcset=\"e 1x, f 2x\"><title></title>"s);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -67,6 +87,7 @@ int main(int argc, char** argv) {
     add_photo(corpus, with_maker_note("OLYMPUS", "OLYMPUS\0MM\0\3"s));
     add_photo(corpus, with_maker_note("OM Digital Solutions", "OM SYSTEM\0\0\0II\4\0"s));
     add_photo(corpus, with_maker_note("RICOH", "PENTAX \0II"s));
+    add_others(corpus);
     for (const std::string& path : files_below(real_photos())) {
         if (std::filesystem::file_size(path) > 2) {
             add_photo(corpus, read_file(path));

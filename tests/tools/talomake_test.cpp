@@ -69,6 +69,8 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         "album card new --shrink-size 1024;album card new --shrink-size 1024x768;album card new --shrink-size -1,5;"
         "album card new --quality 101;album card new --quality '';album card new --progress often;"
         "verify;verify none;verify card --prune;album card new --verify=1;"
+        "publish;publish old;publish old old;publish old old/new;publish old card;publish card new;publish none new;"
+        "publish old none/new;publish old card/a.jpg;publish book book/new;publish old '';publish old new --bogus;"
         "look none;look ./none;look card/clip.MOV/;look --set;look --set none;look plain gallery;"
         "album card new --title 'two\nlines';album card new --head none;album card new --last card");
     for (std::string use; std::getline(uses, use, ';');) {
@@ -96,6 +98,22 @@ TEST_F(talomake, makes_an_album_in_a_book) {
     EXPECT_EQ(decode(read_file(home_ / "book/new/size0/a.jpg")).height, 200U);
     EXPECT_THAT(run("cat book/new/index.html").out, HasSubstr("<h1>My title</h1></CENTER>\n<br>Opening\n"));
     EXPECT_THAT(run("cat book/index.html").out, HasSubstr("<td>new<td>1+2<td>"));
+}
+
+TEST_F(talomake, publishes_and_tells_what_is_wrong) {
+    run("talomake album card book/new; cp -r book before");
+    EXPECT_EQ(run("talomake publish book site && diff -r book before && find site -name original -o -name txt").out,
+              "site/index.html\n");
+    EXPECT_EQ(run("cmp book/new/size0/B.JPG site/new/size0/B.JPG").status, 1);
+    EXPECT_EQ(run("talomake publish --keep-data book site && cmp book/new/size0/B.JPG site/new/size0/B.JPG").status, 0);
+    EXPECT_EQ(run("rm book/new/thumb/*; talomake update book; talomake publish book site/").err, "");
+    const result_t result = run("rm book/new/movie/clip.MOV; talomake publish book site");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.err, "site/new/index.html: leads to new/movie/clip.MOV, which is not there.\n");
+    run("rm -r book/new; talomake book book");
+    EXPECT_THAT(run("talomake publish book site").err, MatchesRegex("talomake: [0-9]+ files that .+ --prune .+\n"));
+    EXPECT_EQ(run("talomake publish --prune book site && ls -A site").out,
+              "site/index.html\n.taloram-published\nindex.html\n");
 }
 
 TEST_F(talomake, takes_the_title_from_the_nearest_place) {
