@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <iostream>
 
 #include "album/engine_step.h"
@@ -22,13 +21,6 @@
 namespace taloram {
 
 namespace {
-
-// Where a path really leads, with "/" after it; "" when it can't be told.
-std::string real_directory(const std::string& path) {
-    std::error_code failure;
-    const std::filesystem::path real = std::filesystem::canonical(path.empty() ? "." : path, failure);
-    return failure ? "" : real.string() + "/";
-}
 
 class maker_t {
   public:
@@ -170,8 +162,8 @@ bool is_unfit_source(const std::string& source, const std::string& album) {
     if (libutils::is_same_file(source, entry_path(album, layout::original))) {
         return false;
     }
-    const std::string real_album = real_directory(album);
-    const std::string real_source = real_directory(source);
+    const std::string real_album = libutils::real_directory(album);
+    const std::string real_source = libutils::real_directory(source);
     if (!real_album.empty() && real_source.size() > real_album.size() && real_source.starts_with(real_album)) {
         return true;
     }

@@ -212,6 +212,21 @@ CLI::App* define_publish(CLI::App& app, publish_command_t& command) {
     return publish;
 }
 
+CLI::App* define_card(CLI::App& app, card_command_t& command) {
+    CLI::App* const card = app.add_subcommand(
+        "card", "Bring what is new on memory cards into a book, and prove that the book has every file of them");
+    card->add_option("card", command.cards, "cards, and behind them the book")
+        ->required()
+        ->expected(2, -1)
+        ->type_name("");
+    add_flag(*card, "--check", command.check, "import nothing: only compare the cards with the book");
+    add_value(*card, "--album", "NAME", "one album for all that is new, instead of one a day",
+              [&command](const std::string& text) { command.album = text; });
+    add_flag(*card, "--list", command.list, "print each file of the cards, a tab, and its place in the book");
+    define_run_options(*card, command.run);
+    return card;
+}
+
 }  // namespace
 
 std::optional<command_t> parse_command_line(int argc, const char* const* argv, int& status) {
@@ -228,6 +243,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     exif_command_t exif;
     look_command_t look;
     publish_command_t publish;
+    card_command_t card;
     const CLI::App* const album_app = define_album(app, album);
     const CLI::App* const update_app = define_update(app, update);
     const CLI::App* const verify_app = define_verify(app, verify);
@@ -236,6 +252,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     define_exif(app, exif);
     const CLI::App* const look_app = define_look(app, look);
     const CLI::App* const publish_app = define_publish(app, publish);
+    const CLI::App* const card_app = define_card(app, card);
     app.footer(
         "Each command has --help. Settings are those of the file .taloram in the home directory; options win for one "
         "run.\n" +
@@ -274,6 +291,12 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
         publish.source = plain(publish.source);
         publish.directory = plain(publish.directory);
         return publish;
+    }
+    if (card_app->parsed()) {
+        card.cards = plain(card.cards);
+        card.book = card.cards.back();
+        card.cards.pop_back();
+        return card;
     }
     exif.photos = plain(exif.photos);
     return exif;

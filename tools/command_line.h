@@ -80,8 +80,17 @@ struct publish_command_t {
     bool prune = false;
 };
 
+struct card_command_t {
+    std::vector<std::string> cards;
+    std::string book;
+    std::optional<std::string> album;
+    bool check = false;
+    bool list = false;
+    run_options_t run;
+};
+
 using command_t = std::variant<album_command_t, update_command_t, verify_command_t, book_command_t, turn_command_t,
-                               exif_command_t, look_command_t, publish_command_t>;
+                               exif_command_t, look_command_t, publish_command_t, card_command_t>;
 
 // The command to run. Empty when there is none: `status` is then what the program ends with, after help or the version
 // went to standard output or one line about wrong use to standard error.

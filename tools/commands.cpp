@@ -4,31 +4,24 @@
 #include <cstring>
 #include <iostream>
 #include <sstream>
-#include <tuple>
 
 #include "album/album_update.h"
 #include "album/album_walk.h"
 #include "album/engine_step.h"
-#include "album/jobs.h"
 #include "album/make_album.h"
 #include "album/pages/album_pages.h"
 #include "album/pages/book_index.h"
 #include "album/publish/publish.h"
 #include "album/sums/verification.h"
 #include "album/turn/turn_photo.h"
-#include "album/write_lock.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/path.h"
 #include "libutils/files/system_path.h"
-#include "programs/program_path.h"
-#include "settings/settings.h"
-#include "settings/settings_file.h"
 #include "shooting_data/exif_summary.h"
-#include "talolib/message.h"
-#include "talolib/option.h"
+#include "tools/card_command.h"
 #include "tools/check_arguments.h"
 #include "tools/look_command.h"
-#include "tools/progress_line.h"
+#include "tools/start_up.h"
 #include "tools/wrong_use.h"
 
 namespace talomake {
@@ -36,51 +29,6 @@ namespace talomake {
 using namespace taloram;
 
 namespace {
-
-// One line for each place that is waited for; waiting ends when the user ends the program.
-bool wait_for_writer(const std::string& directory) {
-    static std::string told;
-    if (told != directory) {
-        told = directory;
-        libutils::report(libutils::printable(directory), ": another program writes there; waiting for its end.");
-    }
-    return true;
-}
-
-void start_up(const char* program, const run_options_t& options = {}) {
-    const std::string directory = libutils::directory_part(programs::program_path(program, program_name));
-    const std::string catalogue = talolib::init_message(directory.c_str(), program_name);
-    // Without a settings file the defaults stand.
-    std::ignore = loadini(libutils::directory_part(catalogue).c_str(), program_name);
-    if (options.shrink_size) {
-        g_global.shrink_width = options.shrink_size->width;
-        g_global.shrink_height = options.shrink_size->height;
-    }
-    if (options.quality) {
-        g_global.jpeg_compress = *options.quality;
-    }
-    g_workers.jobs = options.jobs.value_or(default_jobs());
-    if (options.trace) {
-        talolib::g_option[talolib::option_trace] = 1;
-    }
-    initexif(directory.c_str(), program_name);
-    g_wait_for_writer = wait_for_writer;
-}
-
-// The engine's signals, connected to a progress line.
-class shown_progress_t {
-  public:
-    explicit shown_progress_t(progress_mode_t mode) : line_(mode) {
-        for (const stage_t stage : all_stages) {
-            signals.of(stage).connect([this, stage](double fraction) { line_.step(stage, fraction); });
-        }
-    }
-
-    progress_signals_t signals;
-
-  private:
-    progress_line_t line_;
-};
 
 void report_failed(const album_result_t& result, size_t file_count) {
     if (!result.conflicts.empty()) {
@@ -230,6 +178,8 @@ class runner_t {
         }
         return result.is_complete ? programs::status_done : programs::status_failed;
     }
+
+    int operator()(const card_command_t& command) const { return run_card(program_, command); }
 
     int operator()(const look_command_t& command) const { return run_look(program_, command); }
 

@@ -223,6 +223,11 @@ std::error_code find_clashes(std::vector<clash_t>& clashes, const std::vector<fi
     return {};
 }
 
+std::wstring folded_name(const std::string& name) {
+    const utf8_characters_t characters;
+    return folded(name);
+}
+
 void warn_of_names(const std::vector<files_t>& files, const std::string& album) {
     warn_of_links(album, libutils::directory_name(album));
     for (const files_t& file : files) {

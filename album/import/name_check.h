@@ -20,6 +20,9 @@ using clash_t = std::pair<std::string, std::string>;
 [[nodiscard]] std::error_code find_clashes(std::vector<clash_t>& clashes, const std::vector<files_t>& files,
                                            const std::string& album);
 
+// A name that is the same for all names that differ in nothing but small and capital letters.
+[[nodiscard]] std::wstring folded_name(const std::string& name);
+
 // A line for each listed photograph or movie whose links can't work because of a character in its name, and for each
 // listed photograph that shares its zoom pages with another one of the album. An album name with such a character has
 // a line too. No failures: pages write names as they are.

@@ -47,4 +47,10 @@ std::string directory_name(const std::string& path) {
     return last_component(path);
 }
 
+std::string real_directory(const std::string& path) {
+    std::error_code failure;
+    const std::string real = std::filesystem::canonical(path.empty() ? "." : path, failure).string();
+    return failure ? "" : real + (real.ends_with('/') ? "" : "/");
+}
+
 }  // namespace libutils

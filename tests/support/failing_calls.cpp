@@ -129,6 +129,12 @@ ssize_t read(int descriptor, void* bytes, size_t size) {
     return unless_fault<ssize_t>(fault("read", path_of(descriptor)), -1, [&] { return real(descriptor, bytes, size); });
 }
 
+ssize_t pread(int descriptor, void* bytes, size_t size, off_t offset) {
+    static auto* const real = next<ssize_t(int, void*, size_t, off_t)>("pread");
+    return unless_fault<ssize_t>(fault("pread", path_of(descriptor)), -1,
+                                 [&] { return real(descriptor, bytes, size, offset); });
+}
+
 ssize_t write(int descriptor, const void* bytes, size_t size) {
     static auto* const real = next<ssize_t(int, const void*, size_t)>("write");
     return unless_fault<ssize_t>(fault("write", path_of(descriptor)), -1,

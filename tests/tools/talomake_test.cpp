@@ -71,6 +71,8 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         "verify;verify none;verify card --prune;album card new --verify=1;"
         "publish;publish old;publish old old;publish old old/new;publish old card;publish card new;publish none new;"
         "publish old none/new;publish old card/a.jpg;publish book book/new;publish old '';publish old new --bogus;"
+        "card;card card;card none book;card card none;card card old;card card card;card . book;card card . --check;"
+        "card card card/ book;card card book --album ../x;card card book --album .x;card '' book;"
         "look none;look ./none;look card/clip.MOV/;look --set;look --set none;look plain gallery;"
         "album card new --title 'two\nlines';album card new --head none;album card new --last card");
     for (std::string use; std::getline(uses, use, ';');) {
@@ -82,7 +84,7 @@ TEST_F(talomake, wrong_use_is_one_line_and_touches_nothing) {
         EXPECT_EQ(run(state).out, before);
     }
     for (const std::string command :
-         {"", "album ", "update ", "verify ", "book ", "turn ", "exif ", "look ", "publish "}) {
+         {"", "album ", "update ", "verify ", "book ", "turn ", "exif ", "look ", "publish ", "card "}) {
         EXPECT_THAT(run("talomake " + command + "--help").out, HasSubstr("talomake " + command + "[OPTIONS] "));
     }
 }
@@ -257,6 +259,32 @@ TEST_F(talomake, verifies_and_keeps_going) {
     EXPECT_EQ(told.status, 0);
     EXPECT_THAT(told.err, HasSubstr("book/k/original/a.jpg: gone; --prune removes its sizes, thumbnail and pages.\n"));
     EXPECT_EQ(run("talomake update --prune book && ls book/k/*/a*").out, "book/k/txt/a.jpg.txt\n");
+}
+
+TEST_F(talomake, proves_a_card) {
+    const std::string cleared = "Every file of the card is in the book: it may be cleared.\n";
+    EXPECT_EQ(run("talomake card --check card book").status, 1);
+    const result_t result = run("talomake card --list --album all card book");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(
+        result.out,
+        "book/all/index.html\n"
+        "card/B.JPG\tbook/all/original/B.JPG\ncard/a.jpg\tbook/all/original/a.jpg\n"
+        "card/a.jpg.txt\tbook/all/txt/a.jpg.txt\ncard/clip.MOV\tbook/all/movie/clip.MOV\n"
+        "card/head.txt\tbook/all/txt/card-head.txt\nPassed over, hidden: 1\n"
+        "Files of the card: 5; in the book before: 0; imported: 5; equal to one of these: 0; not in the book: 0\n" +
+            cleared);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(run("mkdir card/DCIM; mv card/a.jpg card/DCIM; talomake card --check card book | tail -n 1").out,
+              "Every file of the card's DCIM is in the book: DCIM may be cleared.\n");
+    const result_t missing = run("printf x >card/DCIM/$(printf 'a\\nb'); talomake card --check card book");
+    EXPECT_EQ(missing.status, 1);
+    EXPECT_EQ(missing.err,
+              "card/DCIM/a?b: not in the book: no file of the book has its contents\n"
+              "talomake: 1 of 2 files are not in the book. Keep the card.\n");
+    EXPECT_EQ(run("mkdir no; talomake card no book").err,
+              "no: no file was found there.\n"
+              "talomake: 0 of 0 files are not in the book, and not all could be looked at or done. Keep the card.\n");
 }
 
 TEST_F(talomake, works_alike_with_any_number_of_jobs) {

@@ -1,0 +1,417 @@
+#include "album/card/card_import.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <map>
+#include <set>
+#include <utility>
+
+#include "album/album_update.h"
+#include "album/book_files.h"
+#include "album/card/card_albums.h"
+#include "album/card/card_proof.h"
+#include "album/engine_step.h"
+#include "album/equal_files.h"
+#include "album/import/import_file.h"
+#include "album/make_album.h"
+#include "album/pages/book_index.h"
+#include "album/sums/checksum.h"
+#include "album/write_lock.h"
+#include "libutils/files/file_copy.h"
+#include "libutils/files/new_file.h"
+#include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
+
+namespace taloram {
+
+namespace {
+
+// Stands in an album from the first copy of an import until all is done.
+std::string unfinished_mark(const std::string& album) {
+    return entry_path(album, ".taloram-importing");
+}
+
+void mark_unfinished(const std::string& album) {
+    const int file = open(unfinished_mark(album).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
+    if (file >= 0) {
+        close(file);
+        static_cast<void>(flush_to_disk(album));
+    }
+}
+
+// Copies a text whose own name the album writes itself.
+std::error_code copy_renamed(const card_file_t& file, const std::string& album) {
+    write_lock_t lock;
+    if (const std::error_code failure = lock.acquire(album)) {
+        return failure;
+    }
+    libutils::new_file_t copy(text_path(album, stored_name(file.name)), libutils::staging_t::above);
+    std::error_code failure = copy.open();
+    if (!failure) {
+        failure = libutils::copy_file(file.path(), copy.current_path());
+    }
+    return failure ? failure : copy.commit_to_disk();
+}
+
+class importer_t {
+  public:
+    importer_t(const card_order_t& order, progress_signals_t& progress)
+        : order_(order), progress_(progress), albums_(order.book, order.album, sums_) {}
+
+    [[nodiscard]] card_result_t run();
+
+  private:
+    using group_t = std::pair<std::string, std::string>;  // album and directory of the card
+
+    [[nodiscard]] card_listing_t list_cards();
+    void list_book();
+    [[nodiscard]] bool lies_on_card(const std::string& directory) const;
+    void add_copy(book_file_t file);
+
+    void import_new();
+    void find_copy(card_entry_t& entry);
+    [[nodiscard]] bool is_copy(const card_entry_t& entry, std::string& sum, const book_file_t& copy);
+    void plan(size_t index);
+    void plan_again(size_t index, const book_file_t& copy);
+    void import_group(const group_t& group, const std::vector<size_t>& indices);
+    void take_result(const std::string& album, const std::vector<size_t>& indices, const album_result_t& made);
+    void finish_albums();
+
+    void prove_all();
+    void prove(card_entry_t& entry);
+    [[nodiscard]] bool proves(card_entry_t& entry, const std::string& copy);
+
+    const card_order_t& order_;
+    progress_signals_t& progress_;
+    card_result_t result_;
+    noted_sums_t sums_;
+    card_albums_t albums_;
+    std::vector<book_file_t> copies_;                // that the book holds
+    equal_files_t contents_;                         // of `copies_`, by the same indices
+    size_t held_ = 0;                                // how many of them it held before
+    std::set<std::string> unfinished_;               // albums that a killed import left
+    std::set<std::string> refused_;                  // albums that an import failed for
+    std::map<group_t, std::vector<size_t>> groups_;  // what is imported next
+    std::map<std::string, std::string> titles_;      // of albums
+};
+
+card_listing_t importer_t::list_cards() {
+    card_listing_t listing;
+    for (const std::string& card : order_.cards) {
+        const size_t before = listing.files.size();
+        list_card(listing, card);
+        if (listing.files.size() == before) {
+            result_.empty_cards.push_back(card);
+        }
+    }
+    return listing;
+}
+
+bool importer_t::lies_on_card(const std::string& directory) const {
+    return libutils::is_directory(directory) &&
+           std::any_of(order_.cards.begin(), order_.cards.end(),
+                       [&](const std::string& card) { return is_entangled(card, directory); });
+}
+
+void importer_t::add_copy(book_file_t file) {
+    contents_.add(file.path(), file.length);
+    copies_.push_back(std::move(file));
+}
+
+// Links may lead from the book to a card: what lies there is no copy.
+void importer_t::list_book() {
+    std::vector<book_file_t> files;
+    result_.has_failed = !list_book_files(files, order_.book) || result_.has_failed;
+    std::map<std::string, bool> on_card;
+    for (book_file_t& file : files) {
+        const std::string directory = entry_path(file.album, file.kind);
+        const auto [found, is_new] = on_card.try_emplace(directory);
+        if (is_new) {
+            found->second = lies_on_card(directory);
+            if (is_exist(unfinished_mark(file.album))) {
+                unfinished_.insert(file.album);
+            }
+        }
+        if (!found->second) {
+            add_copy(std::move(file));
+        }
+    }
+    held_ = copies_.size();
+}
+
+// By its noted sum, which saves reading the copy, or by its bytes.
+bool importer_t::is_copy(const card_entry_t& entry, std::string& sum, const book_file_t& copy) {
+    const std::string path = entry.file.path();
+    if (libutils::is_same_file(path, copy.path())) {
+        return false;
+    }
+    if (const std::optional<std::string> noted = sums_.of(copy.album).sum_of(copy.path_in_album())) {
+        if (sum.empty() && !sha256_of_file(sum, path, read_from_t::anywhere)) {
+            return false;
+        }
+        if (sum == *noted) {
+            return true;
+        }
+    }
+    return libutils::same_contents(path.c_str(), copy.path().c_str());
+}
+
+void importer_t::find_copy(card_entry_t& entry) {
+    std::string sum;
+    for (const size_t index : contents_.like(entry.file.path(), entry.file.length)) {
+        const book_file_t& copy = copies_[index];
+        if (is_copy(entry, sum, copy)) {
+            entry.place = copy.path();
+            entry.fate = index < held_ ? card_fate_t::held : card_fate_t::equal;
+            if (copy.name == entry.file.name) {
+                albums_.settle(entry.file, copy.album);
+            }
+            plan_again(static_cast<size_t>(&entry - result_.files.data()), copy);
+            return;
+        }
+    }
+}
+
+// A killed import left a photograph without its sizes, or a movie without its sum: its copy stays, and what is missing
+// is made. All others of the album are left alone, turned as they may be.
+void importer_t::plan_again(size_t index, const book_file_t& copy) {
+    const card_file_t& file = result_.files[index].file;
+    if (unfinished_.count(copy.album) == 0 || copy.name != file.name) {
+        return;
+    }
+    const bool lacks_sizes = is_photo(copy.name) && !is_exist(thumb_path(copy.album, copy.name));
+    const bool lacks_sum = is_movie(copy.name) && !sums_.of(copy.album).sum_of(copy.path_in_album());
+    if (lacks_sizes || lacks_sum) {
+        groups_[{copy.album, file.directory}].push_back(index);
+    }
+}
+
+void importer_t::plan(size_t index) {
+    card_entry_t& entry = result_.files[index];
+    const card_albums_t::place_t place = albums_.place(entry.file);
+    if (place.album.empty()) {
+        entry.reason = place.reason;
+        return;
+    }
+    if (place.title) {
+        titles_[place.album] = *place.title;
+    }
+    groups_[{place.album, entry.file.directory}].push_back(index);
+}
+
+// In rounds: what may be equal to a file that is imported in one is looked for among the copies in the next, so that
+// the file itself is not read for it.
+void importer_t::import_new() {
+    std::vector<size_t> pending(result_.files.size());
+    for (size_t i = 0; i < pending.size(); ++i) {
+        pending[i] = i;
+    }
+    bool is_first = true;
+    while (!pending.empty()) {
+        std::vector<size_t> deferred;
+        equal_files_t planned;
+        groups_.clear();
+        for (size_t i = 0; i < pending.size(); ++i) {
+            card_entry_t& entry = result_.files[pending[i]];
+            find_copy(entry);
+            if (entry.fate == card_fate_t::missing) {
+                const std::string path = entry.file.path();
+                if (!planned.like(path, entry.file.length).empty()) {
+                    deferred.push_back(pending[i]);
+                } else {
+                    planned.add(path, entry.file.length);
+                    plan(pending[i]);
+                }
+            }
+            if (is_first) {
+                emit_progress(progress_.verify, i, pending.size());
+            }
+        }
+        is_first = false;
+        for (const auto& [group, indices] : groups_) {
+            import_group(group, indices);
+        }
+        pending = std::move(deferred);
+    }
+}
+
+void importer_t::import_group(const group_t& group, const std::vector<size_t>& indices) {
+    album_order_t order;
+    order.source = group.second;
+    order.album = group.first;
+    std::vector<size_t> renamed;
+    for (const size_t index : indices) {
+        const std::string& name = result_.files[index].file.name;
+        if (stored_name(name) == name) {
+            order.files.push_back({name, 0});
+        } else {
+            renamed.push_back(index);
+        }
+    }
+    // The texts of another album that lies on the card are none of this one.
+    if (!is_exist(text_path(order.album, layout::head_text))) {
+        const auto title = titles_.find(order.album);
+        order.title = title == titles_.end() ? libutils::directory_name(order.album) : title->second;
+        order.head = order.last = "";
+    }
+    order.options = {true, true};
+    order.is_in_book = true;
+    sigc::connection begun = progress_.begun.connect(
+        [](const std::string& album, const std::vector<files_t>& /*files*/) { mark_unfinished(album); });
+    album_result_t made = make_album(order, progress_);
+    begun.disconnect();
+    for (const size_t index : renamed) {
+        const card_file_t& file = result_.files[index].file;
+        const std::error_code failure =
+            made.is_made() ? copy_renamed(file, order.album) : make_error_code(std::errc::operation_canceled);
+        if (failure) {
+            made.import.left_out.push_back({file.name, failure.message()});
+        }
+    }
+    take_result(order.album, indices, made);
+    sums_.forget(order.album);
+}
+
+void importer_t::take_result(const std::string& album, const std::vector<size_t>& indices, const album_result_t& made) {
+    std::map<std::string, std::string> left_out;
+    for (const left_out_t& file : made.import.left_out) {
+        left_out[file.name] = file.reason;
+    }
+    for (const size_t index : indices) {
+        card_entry_t& entry = result_.files[index];
+        const auto failed = left_out.find(entry.file.name);
+        entry.reason = failed != left_out.end() ? failed->second : made.reason;
+        if (failed == left_out.end() && made.is_made() && entry.fate == card_fate_t::missing) {
+            const book_file_t copy{album, directory_of_kind(entry.file.name), stored_name(entry.file.name),
+                                   entry.file.length};
+            entry.place = copy.path();
+            entry.fate = card_fate_t::imported;
+            add_copy(copy);
+        }
+    }
+    if (!made.is_made()) {
+        result_.has_failed = true;
+        refused_.insert(album);
+        return;
+    }
+    unlink(unfinished_mark(album).c_str());
+    if (std::find(result_.albums.begin(), result_.albums.end(), album) == result_.albums.end()) {
+        result_.albums.push_back(album);
+    }
+}
+
+// What a killed import left behind its copies: sizes of files that are not on these cards, and pages.
+void importer_t::finish_albums() {
+    for (const std::string& album : unfinished_) {
+        if (update_all(album, {}, progress_) || refused_.count(album) != 0) {
+            result_.has_failed = true;
+        } else {
+            unlink(unfinished_mark(album).c_str());
+        }
+    }
+    if (!unfinished_.empty() && !step_done(makehtmlbook(order_.book), "makehtmlbook")) {
+        result_.has_failed = true;
+    }
+}
+
+bool importer_t::proves(card_entry_t& entry, const std::string& copy) {
+    const comparison_t compared = compare_on_disk(entry.file.path(), copy);
+    if (compared.is_copy) {
+        entry.place = copy;
+        entry.reason.clear();
+    } else if (compared.original_unread) {
+        entry.reason = "can't be read, " + compared.original_unread.message();
+    } else if (entry.reason.empty()) {
+        entry.reason =
+            compared.copy_unread ? copy + " can't be read, " + compared.copy_unread.message() : "differs from " + copy;
+    }
+    return compared.is_copy;
+}
+
+void importer_t::prove(card_entry_t& entry) {
+    const std::string expected = std::exchange(entry.place, "");
+    if (!expected.empty() && proves(entry, expected)) {
+        return;
+    }
+    for (const size_t index : contents_.like(entry.file.path(), entry.file.length)) {
+        const std::string copy = copies_[index].path();
+        if (copy != expected && proves(entry, copy)) {
+            entry.fate = index < held_ ? card_fate_t::held : card_fate_t::equal;
+            return;
+        }
+    }
+    entry.fate = card_fate_t::missing;
+    if (entry.reason.empty()) {
+        entry.reason = "no file of the book has its contents";
+    }
+}
+
+// What is on the cards now counts: a file may have come, gone or changed since they were listed first.
+void importer_t::prove_all() {
+    std::map<std::string, card_entry_t> before;
+    for (card_entry_t& entry : result_.files) {
+        const std::string path = entry.file.path();
+        before.emplace(path, std::move(entry));
+    }
+    result_.files.clear();
+    result_.empty_cards.clear();
+    card_listing_t now = list_cards();
+    result_.has_failed = !now.is_whole || result_.has_failed;
+    result_.passed_over = std::move(now.passed_over);
+    result_.beside = std::move(now.beside);
+    for (size_t i = 0; i < now.files.size(); ++i) {
+        const auto known = before.find(now.files[i].path());
+        card_entry_t entry;
+        if (known != before.end()) {
+            entry = std::move(known->second);
+            before.erase(known);
+        }
+        entry.file = now.files[i];
+        prove(entry);
+        result_.files.push_back(std::move(entry));
+        emit_progress(progress_.verify, i, now.files.size());
+    }
+    for (auto& [path, entry] : before) {
+        entry.fate = card_fate_t::missing;
+        entry.reason = "gone from the card";
+        result_.files.push_back(std::move(entry));
+    }
+}
+
+card_result_t importer_t::run() {
+    list_book();
+    if (!order_.only_check && !result_.has_failed) {
+        for (card_file_t& file : list_cards().files) {
+            result_.files.push_back({std::move(file), card_fate_t::missing, "", ""});
+        }
+        import_new();
+        finish_albums();
+    }
+    prove_all();
+    return std::move(result_);
+}
+
+}  // namespace
+
+size_t card_result_t::count(card_fate_t fate) const {
+    return static_cast<size_t>(
+        std::count_if(files.begin(), files.end(), [fate](const card_entry_t& entry) { return entry.fate == fate; }));
+}
+
+bool card_result_t::is_proven() const {
+    return !has_failed && empty_cards.empty() && !files.empty() && count(card_fate_t::missing) == 0;
+}
+
+bool is_entangled(const std::string& card, const std::string& book) {
+    const std::string a = libutils::real_directory(card);
+    const std::string b = libutils::real_directory(book);
+    return a.empty() || b.empty() || a.starts_with(b) || b.starts_with(a);
+}
+
+card_result_t import_cards(const card_order_t& order, progress_signals_t& progress) {
+    return importer_t(order, progress).run();
+}
+
+}  // namespace taloram
