@@ -10,6 +10,7 @@
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/path.h"
+#include "libutils/files/system_path.h"
 #include "libutils/text/text.h"
 
 namespace taloram {
@@ -106,6 +107,12 @@ bool is_catalogue(const std::string& name) {
     return libutils::extcasecmp(name, catalogue_extension) == 0 ||
            std::any_of(std::begin(catalogue_names), std::end(catalogue_names),
                        [&](const char* catalogue) { return libutils::equals_nocase(name, catalogue); });
+}
+
+bool is_entangled(const std::string& card, const std::string& book) {
+    const std::string a = libutils::real_directory(card);
+    const std::string b = libutils::real_directory(book);
+    return a.empty() || b.empty() || a.starts_with(b) || b.starts_with(a);
 }
 
 void list_card(card_listing_t& listing, const std::string& card) {

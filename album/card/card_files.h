@@ -42,6 +42,10 @@ struct card_listing_t {
 // listed.
 void list_card(card_listing_t& listing, const std::string& card);
 
+// True when one of two directories is the other or lies in it, or when that can't be told: what is cleared must not
+// hold the copies.
+[[nodiscard]] bool is_entangled(const std::string& card, const std::string& book);
+
 // True for what a camera writes about its files under a name of its own.
 [[nodiscard]] bool is_catalogue(const std::string& name);
 

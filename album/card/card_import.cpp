@@ -9,11 +9,10 @@
 #include <utility>
 
 #include "album/album_update.h"
-#include "album/book_files.h"
+#include "album/card/book_copies.h"
 #include "album/card/card_albums.h"
 #include "album/card/card_proof.h"
 #include "album/engine_step.h"
-#include "album/equal_files.h"
 #include "album/import/import_file.h"
 #include "album/make_album.h"
 #include "album/pages/book_index.h"
@@ -21,7 +20,6 @@
 #include "album/write_lock.h"
 #include "libutils/files/file_copy.h"
 #include "libutils/files/new_file.h"
-#include "libutils/files/path.h"
 #include "libutils/files/system_path.h"
 
 namespace taloram {
@@ -58,7 +56,7 @@ std::error_code copy_renamed(const card_file_t& file, const std::string& album) 
 class importer_t {
   public:
     importer_t(const card_order_t& order, progress_signals_t& progress)
-        : order_(order), progress_(progress), albums_(order.book, order.album, sums_) {}
+        : order_(order), progress_(progress), albums_(order.book, order.album, sums_), copies_(sums_) {}
 
     [[nodiscard]] card_result_t run();
 
@@ -66,13 +64,8 @@ class importer_t {
     using group_t = std::pair<std::string, std::string>;  // album and directory of the card
 
     [[nodiscard]] card_listing_t list_cards();
-    void list_book();
-    [[nodiscard]] bool lies_on_card(const std::string& directory) const;
-    void add_copy(book_file_t file);
-
     void import_new();
-    void find_copy(card_entry_t& entry);
-    [[nodiscard]] bool is_copy(const card_entry_t& entry, std::string& sum, const book_file_t& copy);
+    void find_copy(size_t index);
     void plan(size_t index);
     void plan_again(size_t index, const book_file_t& copy);
     void import_group(const group_t& group, const std::vector<size_t>& indices);
@@ -88,9 +81,7 @@ class importer_t {
     card_result_t result_;
     noted_sums_t sums_;
     card_albums_t albums_;
-    std::vector<book_file_t> copies_;                // that the book holds
-    equal_files_t contents_;                         // of `copies_`, by the same indices
-    size_t held_ = 0;                                // how many of them it held before
+    book_copies_t copies_;
     std::set<std::string> unfinished_;               // albums that a killed import left
     std::set<std::string> refused_;                  // albums that an import failed for
     std::map<group_t, std::vector<size_t>> groups_;  // what is imported next
@@ -109,69 +100,19 @@ card_listing_t importer_t::list_cards() {
     return listing;
 }
 
-bool importer_t::lies_on_card(const std::string& directory) const {
-    return libutils::is_directory(directory) &&
-           std::any_of(order_.cards.begin(), order_.cards.end(),
-                       [&](const std::string& card) { return is_entangled(card, directory); });
-}
-
-void importer_t::add_copy(book_file_t file) {
-    contents_.add(file.path(), file.length);
-    copies_.push_back(std::move(file));
-}
-
-// Links may lead from the book to a card: what lies there is no copy.
-void importer_t::list_book() {
-    std::vector<book_file_t> files;
-    result_.has_failed = !list_book_files(files, order_.book) || result_.has_failed;
-    std::map<std::string, bool> on_card;
-    for (book_file_t& file : files) {
-        const std::string directory = entry_path(file.album, file.kind);
-        const auto [found, is_new] = on_card.try_emplace(directory);
-        if (is_new) {
-            found->second = lies_on_card(directory);
-            if (is_exist(unfinished_mark(file.album))) {
-                unfinished_.insert(file.album);
-            }
-        }
-        if (!found->second) {
-            add_copy(std::move(file));
-        }
+void importer_t::find_copy(size_t index) {
+    card_entry_t& entry = result_.files[index];
+    const std::optional<size_t> found = copies_.find(entry.file);
+    if (!found) {
+        return;
     }
-    held_ = copies_.size();
-}
-
-// By its noted sum, which saves reading the copy, or by its bytes.
-bool importer_t::is_copy(const card_entry_t& entry, std::string& sum, const book_file_t& copy) {
-    const std::string path = entry.file.path();
-    if (libutils::is_same_file(path, copy.path())) {
-        return false;
+    const book_file_t& copy = copies_.at(*found);
+    entry.place = copy.path();
+    entry.fate = copies_.was_held(*found) ? card_fate_t::held : card_fate_t::equal;
+    if (copy.name == entry.file.name) {
+        albums_.settle(entry.file, copy.album);
     }
-    if (const std::optional<std::string> noted = sums_.of(copy.album).sum_of(copy.path_in_album())) {
-        if (sum.empty() && !sha256_of_file(sum, path, read_from_t::anywhere)) {
-            return false;
-        }
-        if (sum == *noted) {
-            return true;
-        }
-    }
-    return libutils::same_contents(path.c_str(), copy.path().c_str());
-}
-
-void importer_t::find_copy(card_entry_t& entry) {
-    std::string sum;
-    for (const size_t index : contents_.like(entry.file.path(), entry.file.length)) {
-        const book_file_t& copy = copies_[index];
-        if (is_copy(entry, sum, copy)) {
-            entry.place = copy.path();
-            entry.fate = index < held_ ? card_fate_t::held : card_fate_t::equal;
-            if (copy.name == entry.file.name) {
-                albums_.settle(entry.file, copy.album);
-            }
-            plan_again(static_cast<size_t>(&entry - result_.files.data()), copy);
-            return;
-        }
-    }
+    plan_again(index, copy);
 }
 
 // A killed import left a photograph without its sizes, or a movie without its sum: its copy stays, and what is missing
@@ -215,7 +156,7 @@ void importer_t::import_new() {
         groups_.clear();
         for (size_t i = 0; i < pending.size(); ++i) {
             card_entry_t& entry = result_.files[pending[i]];
-            find_copy(entry);
+            find_copy(pending[i]);
             if (entry.fate == card_fate_t::missing) {
                 const std::string path = entry.file.path();
                 if (!planned.like(path, entry.file.length).empty()) {
@@ -262,11 +203,9 @@ void importer_t::import_group(const group_t& group, const std::vector<size_t>& i
         [](const std::string& album, const std::vector<files_t>& /*files*/) { mark_unfinished(album); });
     album_result_t made = make_album(order, progress_);
     begun.disconnect();
-    for (const size_t index : renamed) {
+    for (const size_t index : made.is_made() ? renamed : std::vector<size_t>()) {
         const card_file_t& file = result_.files[index].file;
-        const std::error_code failure =
-            made.is_made() ? copy_renamed(file, order.album) : make_error_code(std::errc::operation_canceled);
-        if (failure) {
+        if (const std::error_code failure = copy_renamed(file, order.album)) {
             made.import.left_out.push_back({file.name, failure.message()});
         }
     }
@@ -288,7 +227,7 @@ void importer_t::take_result(const std::string& album, const std::vector<size_t>
                                    entry.file.length};
             entry.place = copy.path();
             entry.fate = card_fate_t::imported;
-            add_copy(copy);
+            copies_.add(copy);
         }
     }
     if (!made.is_made()) {
@@ -335,10 +274,10 @@ void importer_t::prove(card_entry_t& entry) {
     if (!expected.empty() && proves(entry, expected)) {
         return;
     }
-    for (const size_t index : contents_.like(entry.file.path(), entry.file.length)) {
-        const std::string copy = copies_[index].path();
+    for (const size_t index : copies_.like(entry.file)) {
+        const std::string copy = copies_.at(index).path();
         if (copy != expected && proves(entry, copy)) {
-            entry.fate = index < held_ ? card_fate_t::held : card_fate_t::equal;
+            entry.fate = copies_.was_held(index) ? card_fate_t::held : card_fate_t::equal;
             return;
         }
     }
@@ -381,7 +320,12 @@ void importer_t::prove_all() {
 }
 
 card_result_t importer_t::run() {
-    list_book();
+    result_.has_failed = !copies_.load(order_.book, order_.cards);
+    for (const std::string& album : copies_.albums()) {
+        if (is_exist(unfinished_mark(album))) {
+            unfinished_.insert(album);
+        }
+    }
     if (!order_.only_check && !result_.has_failed) {
         for (card_file_t& file : list_cards().files) {
             result_.files.push_back({std::move(file), card_fate_t::missing, "", ""});
@@ -402,12 +346,6 @@ size_t card_result_t::count(card_fate_t fate) const {
 
 bool card_result_t::is_proven() const {
     return !has_failed && empty_cards.empty() && !files.empty() && count(card_fate_t::missing) == 0;
-}
-
-bool is_entangled(const std::string& card, const std::string& book) {
-    const std::string a = libutils::real_directory(card);
-    const std::string b = libutils::real_directory(book);
-    return a.empty() || b.empty() || a.starts_with(b) || b.starts_with(a);
 }
 
 card_result_t import_cards(const card_order_t& order, progress_signals_t& progress) {

@@ -45,10 +45,6 @@ struct card_result_t {
     [[nodiscard]] bool is_proven() const;
 };
 
-// True when one of two directories is the other or lies in it, or when that can't be told: what is cleared must not
-// hold the copies.
-[[nodiscard]] bool is_entangled(const std::string& card, const std::string& book);
-
 // Brings what is new on cameras' cards into albums of a book, each file verified, and proves in the end that the book
 // has every file: the cards are listed and read once more, and compared with the copies as they come from the disk.
 // What the book holds is found by content: names and dates prove nothing. Nothing on a card is changed or removed.
