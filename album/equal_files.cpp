@@ -34,7 +34,7 @@ std::optional<uint64_t> equal_files_t::hash_of_edges(const std::string& path) {
     constexpr size_t block = 4096;  // bytes
     const libutils::open_file_t file(path);
     struct stat status {};
-    if (!file.is_regular() || !file.query(status)) {
+    if (file.check_regular() || file.query(status)) {
         return std::nullopt;
     }
     std::array<char, 2 * block> bytes{};

@@ -215,10 +215,7 @@ CLI::App* define_publish(CLI::App& app, publish_command_t& command) {
 CLI::App* define_card(CLI::App& app, card_command_t& command) {
     CLI::App* const card = app.add_subcommand(
         "card", "Bring what is new on memory cards into a book, and prove that the book has every file of them");
-    card->add_option("card", command.cards, "cards, and behind them the book")
-        ->required()
-        ->expected(2, -1)
-        ->type_name("");
+    card->add_option("card", command.cards, "cards, and last the book")->required()->expected(2, -1)->type_name("");
     add_flag(*card, "--check", command.check, "import nothing: only compare the cards with the book");
     add_value(*card, "--album", "NAME", "one album for all that is new, instead of one a day",
               [&command](const std::string& text) { command.album = text; });

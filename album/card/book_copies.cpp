@@ -47,7 +47,7 @@ bool book_copies_t::is_copy(const std::string& path, std::string& sum, const boo
         return false;
     }
     if (const std::optional<std::string> noted = sums_.of(copy.album).sum_of(copy.path_in_album())) {
-        if (sum.empty() && !sha256_of_file(sum, path, read_from_t::anywhere)) {
+        if (sum.empty() && sha256_of_file(sum, path, read_from_t::anywhere)) {
             return false;
         }
         if (sum == *noted) {

@@ -91,7 +91,7 @@ bool card_albums_t::is_free(const std::string& album, const card_file_t& file) {
     const std::optional<std::string> noted = sums_.of(album).sum_of(stored_place(file.name));
     if (noted) {
         std::string sum;
-        return sha256_of_file(sum, file.path(), read_from_t::anywhere) && sum == *noted;
+        return !sha256_of_file(sum, file.path(), read_from_t::anywhere) && sum == *noted;
     }
     return !would_mix_comments(album, file);
 }

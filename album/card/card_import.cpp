@@ -241,7 +241,7 @@ void importer_t::take_result(const std::string& album, const std::vector<size_t>
     }
 }
 
-// What a killed import left behind its copies: sizes of files that are not on these cards, and pages.
+// What a killed import left besides its copies: sizes of files that are not on these cards, and pages.
 void importer_t::finish_albums() {
     for (const std::string& album : unfinished_) {
         if (update_all(album, {}, progress_) || refused_.count(album) != 0) {

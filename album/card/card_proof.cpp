@@ -17,10 +17,8 @@ constexpr size_t block_size = size_t{256} << 10;  // bytes
 using libutils::open_file_t;
 
 std::error_code check_file(struct stat& status, const open_file_t& file) {
-    if (!file.is_open() || !file.query(status)) {
-        return libutils::last_error();
-    }
-    return S_ISREG(status.st_mode) ? std::error_code() : make_error_code(libutils::refusal_t::not_a_file);
+    const std::error_code failure = file.check_regular();
+    return failure ? failure : file.query(status);
 }
 
 // What has to stay in memory because it can't be written would be compared with itself.

@@ -22,7 +22,7 @@ namespace libutils {
 // The name that the directory `path` has in its parent, also where the path ends with "." or "..".
 [[nodiscard]] std::string directory_name(const std::string& path);
 
-// Where a directory really lies, with "/" behind it, so that one begins with another when it lies in it; "" when that
+// Where a directory really lies, with "/" after it, so that one begins with another when it lies in it; "" when that
 // can't be told.
 [[nodiscard]] std::string real_directory(const std::string& path);
 
