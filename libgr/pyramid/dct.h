@@ -4,6 +4,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "libgr/markers/zigzag.h"
+
 namespace libgr {
 
 // The transforms between samples and coefficients of 8 x 8 blocks, with the processor's vectors: libjpeg's accurate
@@ -17,7 +19,14 @@ constexpr size_t group_size = group_blocks * block_size;
 
 // Where coefficient k of a group's first block is, in zigzag order: row after row, of all four blocks. Those of block b
 // are 8 * b further on.
-extern const std::array<uint8_t, block_size> group_index;
+inline constexpr auto group_index = [] {
+    std::array<uint8_t, block_size> places{};
+    for (size_t k = 0; k < block_size; ++k) {
+        const size_t i = zigzag_to_array[k];
+        places[k] = static_cast<uint8_t>(i / block_side * group_columns + i % block_side);
+    }
+    return places;
+}();
 
 // Divides coefficients by one quantisation table, rounded to the nearest.
 class quantiser_t {
@@ -44,19 +53,19 @@ void forward_dct(coded_group_t* to, size_t count, const unsigned char* const row
 
 // Four blocks as they come from the decoder: quantised, in the order of group_index.
 struct alignas(64) coefficient_group_t {
-    std::array<int16_t, group_size> values;
+    std::array<int16_t, group_size + group_columns> values;  // the last ones take what would lie beyond a block
+    uint8_t last;  // where in zigzag order the last coefficient is that is not 0, of all four blocks
 };
 
 // Multiplies the coefficients of `count` groups by a quantisation table of values of 1 to 255 in natural order and
-// transforms them into eight rows from column x on. `last` tells of each group where, in zigzag order, the last one is
-// that is not 0.
+// transforms them into eight rows from column x on.
 //
 // False, and the rows are of no use, for coefficients that no picture has: so large that numbers of 16 bits overflow,
 // or that samples come out far from 0 to 255. There libjpeg's own results depend on the processor. Coefficients are
 // between -max_coefficient and that.
 constexpr int max_coefficient = 2047;
 [[nodiscard]] bool inverse_dct(unsigned char* const rows[block_side], size_t x, const coefficient_group_t* groups,
-                               const uint8_t* last, size_t count, const uint16_t* table);
+                               size_t count, const uint16_t* table);
 
 // What the vectors compute, by plain loops.
 void forward_dct_plain(coded_group_t& to, const unsigned char* const rows[block_side], size_t x,

@@ -16,16 +16,14 @@ constexpr size_t row_alignment = 64;  // a cache line, and the widest vectors
 
 bool planes_source_t::fits(const jpeg_decompress_struct& info) {
 #ifdef LIBJPEG_TURBO_VERSION
-    // Narrower chroma is not interpolated.
-    constexpr JDIMENSION smallest = 4 * DCTSIZE;
-    if (info.num_components != 3 || info.jpeg_color_space != JCS_YCbCr || info.out_color_space != JCS_RGB ||
-        info.image_width < smallest || info.image_height < smallest) {
+    const std::optional<chroma_layout_t> layout = chroma_layout_of(info);
+    if (!layout || info.out_color_space != (*layout == chroma_layout_t::none ? JCS_GRAYSCALE : JCS_RGB)) {
         return false;
     }
-    const auto has_factors = [&info](int index, int h, int v) {
-        return info.comp_info[index].h_samp_factor == h && info.comp_info[index].v_samp_factor == v;
-    };
-    return (has_factors(0, 2, 1) || has_factors(0, 2, 2)) && has_factors(1, 1, 1) && has_factors(2, 1, 1);
+    // Narrower chroma is not interpolated.
+    constexpr JDIMENSION smallest = 4 * DCTSIZE;
+    return *layout == chroma_layout_t::none || *layout == chroma_layout_t::full ||
+           (info.image_width >= smallest && info.image_height >= smallest);
 #else
     // Other libraries upsample in other ways.
     return info.num_components < 0;
@@ -33,17 +31,21 @@ bool planes_source_t::fits(const jpeg_decompress_struct& info) {
 }
 
 bool planes_source_t::prepare(const jpeg_decompress_struct& info) {
-    halved_height_ = info.comp_info[0].v_samp_factor == 2;
-    imcu_rows_ = halved_height_ ? 2 * DCTSIZE : DCTSIZE;
-    chroma_width_ = (info.image_width + 1) / 2;
-    chroma_height_ = halved_height_ ? (info.image_height + 1) / 2 : info.image_height;
+    layout_ = *chroma_layout_of(info);
+    const bool halved_width = layout_ == chroma_layout_t::half_width || layout_ == chroma_layout_t::half_both;
+    imcu_rows_ = static_cast<JDIMENSION>(info.comp_info[0].v_samp_factor * DCTSIZE);
+    chroma_imcu_rows_ = layout_ == chroma_layout_t::half_both ? imcu_rows_ / 2
+                        : layout_ == chroma_layout_t::none    ? 0
+                                                              : imcu_rows_;
+    chroma_width_ = halved_width ? (info.image_width + 1) / 2 : info.image_width;
+    chroma_height_ = layout_ == chroma_layout_t::half_both ? (info.image_height + 1) / 2 : info.image_height;
     next_row_ = info.image_height % 2;
 
-    const size_t chroma_stride = round_up(round_up(chroma_width_, DCTSIZE), row_alignment);
-    const size_t luma_stride = 2 * chroma_stride;
+    const size_t chroma_stride = round_up(chroma_width_, row_alignment);
+    const size_t luma_stride = (halved_width ? 2 : 1) * chroma_stride;
     // One value more at either end.
     const size_t upsampled_stride = round_up((chroma_width_ + 2) * sizeof(int16_t), row_alignment) + row_alignment;
-    if (!memory_.resize(2 * imcu_rows_ * luma_stride + 4 * DCTSIZE * chroma_stride + 4 * upsampled_stride)) {
+    if (!memory_.resize(2 * imcu_rows_ * luma_stride + 4 * chroma_imcu_rows_ * chroma_stride + 4 * upsampled_stride)) {
         return false;
     }
     unsigned char* free = memory_.begin();
@@ -54,7 +56,7 @@ bool planes_source_t::prepare(const jpeg_decompress_struct& info) {
     };
     std::generate_n(y_.begin(), 2 * imcu_rows_, [&] { return take(luma_stride); });
     for (chroma_t* const chroma : {&cb_, &cr_}) {
-        std::generate(chroma->rows.begin(), chroma->rows.end(), [&] { return take(chroma_stride); });
+        std::generate_n(chroma->rows.begin(), 2 * chroma_imcu_rows_, [&] { return take(chroma_stride); });
         for (int16_t*& row : chroma->upsampled) {
             row = reinterpret_cast<int16_t*>(take(upsampled_stride) + row_alignment);
         }
@@ -62,41 +64,66 @@ bool planes_source_t::prepare(const jpeg_decompress_struct& info) {
     return true;
 }
 
-void planes_source_t::read(decompressor_t& reader, reduced_level_t& level) {
+bool planes_source_t::read(decompressor_t& reader, baseline_decoder_t* decoder, reduced_level_t& level) {
     jpeg_decompress_struct& info = reader.info;
-    info.raw_data_out = TRUE;
-    jpeg_start_decompress(&info);
-    for (JDIMENSION half = 0; info.output_scanline < info.output_height; half = 1 - half) {
-        JSAMPARRAY planes[] = {y_.data() + half * imcu_rows_, cb_.rows.data() + half * DCTSIZE,
-                               cr_.rows.data() + half * DCTSIZE};
-        if (jpeg_read_raw_data(&info, planes, imcu_rows_) == 0 || reader.warnings() != 0) {
-            return;
-        }
-        const bool last = info.output_scanline >= info.output_height;
-        // The last row's chroma depends on the row below.
-        halve_rows_up_to(last ? info.output_height : info.output_scanline - (halved_height_ ? 1 : 0),
-                         info.output_height, level);
+    if (decoder == nullptr) {
+        info.raw_data_out = TRUE;
+        jpeg_start_decompress(&info);
     }
-    jpeg_finish_decompress(&info);
+    JDIMENSION end = 0;
+    for (JDIMENSION half = 0; end < info.image_height; half = 1 - half) {
+        JSAMPARRAY planes[] = {y_.data() + half * imcu_rows_, cb_.rows.data() + half * chroma_imcu_rows_,
+                               cr_.rows.data() + half * chroma_imcu_rows_};
+        const bool read = decoder != nullptr
+                              ? decoder->read_rows(planes)
+                              : jpeg_read_raw_data(&info, planes, imcu_rows_) != 0 && reader.warnings() == 0;
+        if (!read) {
+            return false;
+        }
+        end = std::min(end + imcu_rows_, info.image_height);
+        // The last row's chroma depends on the row below.
+        const bool complete = layout_ != chroma_layout_t::half_both || end == info.image_height;
+        halve_rows_up_to(complete ? end : end - 1, level);
+    }
+    if (decoder == nullptr) {
+        jpeg_finish_decompress(&info);
+    }
+    return true;
 }
 
-void planes_source_t::halve_rows_up_to(JDIMENSION end, JDIMENSION height, reduced_level_t& level) {
-    for (; next_row_ + 1 < std::min(end, height); next_row_ += 2) {
-        for (unsigned i = 0; i < 2; ++i) {
-            upsample(cb_, next_row_ + i, i);
-            upsample(cr_, next_row_ + i, i);
-        }
-        const auto row = [this](unsigned i) {
-            return ycc_row_t{y_[(next_row_ + i) % (2 * imcu_rows_)], cb_.upsampled[i], cr_.upsampled[i]};
-        };
-        halve_ycc_rows(level.row_to_fill().data(), row(0), row(1), level.width(), halved_height_);
+void planes_source_t::halve_rows_up_to(JDIMENSION end, reduced_level_t& level) {
+    for (; next_row_ + 1 < end; next_row_ += 2) {
+        halve(level);
         level.take_row();
     }
 }
 
+void planes_source_t::halve(reduced_level_t& level) {
+    const plane_rows_t& to = level.row_to_fill();
+    const auto luma = [this](unsigned i) { return y_[(next_row_ + i) % (2 * imcu_rows_)]; };
+    if (layout_ == chroma_layout_t::none) {
+        (void)halve_rows(to[0], luma(0), luma(1), level.width(), 1);
+        return;
+    }
+    if (layout_ == chroma_layout_t::full) {
+        const auto row = [&](unsigned i) {
+            const size_t index = (next_row_ + i) % (2 * chroma_imcu_rows_);
+            return plane_rows_t{luma(i), cb_.rows[index], cr_.rows[index]};
+        };
+        halve_full_ycc_rows(to.data(), row(0).data(), row(1).data(), level.width());
+        return;
+    }
+    for (unsigned i = 0; i < 2; ++i) {
+        upsample(cb_, next_row_ + i, i);
+        upsample(cr_, next_row_ + i, i);
+    }
+    const auto row = [&](unsigned i) { return ycc_row_t{luma(i), cb_.upsampled[i], cr_.upsampled[i]}; };
+    halve_ycc_rows(to.data(), row(0), row(1), level.width(), layout_ == chroma_layout_t::half_both);
+}
+
 void planes_source_t::upsample(chroma_t& chroma, JDIMENSION y, unsigned which) const {
-    const auto row = [&chroma](JDIMENSION index) { return chroma.rows[index % chroma.rows.size()]; };
-    if (!halved_height_) {
+    const auto row = [&](JDIMENSION index) { return chroma.rows[index % (2 * chroma_imcu_rows_)]; };
+    if (layout_ == chroma_layout_t::half_width) {
         copy_chroma_row(chroma.upsampled[which], row(y), chroma_width_);
         return;
     }
@@ -112,7 +139,7 @@ bool rows_source_t::prepare(const jpeg_decompress_struct& info) {
     return memory_.resize(2 * stride_);
 }
 
-void rows_source_t::read(decompressor_t& reader, reduced_level_t& level) {
+bool rows_source_t::read(decompressor_t& reader, reduced_level_t& level) {
     jpeg_decompress_struct& info = reader.info;
     jpeg_start_decompress(&info);
     if (info.output_components != (gray_ ? 1 : 3) || stride_ / (gray_ ? 1 : 3) < info.output_width) {
@@ -123,13 +150,14 @@ void rows_source_t::read(decompressor_t& reader, reduced_level_t& level) {
         const bool upper = info.output_scanline < dropped || (info.output_scanline - dropped) % 2 == 0;
         JSAMPROW row = memory_.begin() + (upper ? 0 : stride_);
         if (jpeg_read_scanlines(&info, &row, 1) == 0 || reader.warnings() != 0) {
-            return;
+            return false;
         }
         if (!upper) {
             halve(level);
         }
     }
     jpeg_finish_decompress(&info);
+    return true;
 }
 
 void rows_source_t::halve(reduced_level_t& level) {

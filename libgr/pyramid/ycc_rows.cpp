@@ -70,6 +70,11 @@ HWY_INLINE size_t halve_vectors(unsigned char* const*, const ycc_row_t&, const y
     return 0;
 }
 
+HWY_INLINE size_t halve_full_vectors(unsigned char* const*, const unsigned char* const*, const unsigned char* const*,
+                                     size_t) {
+    return 0;
+}
+
 HWY_INLINE size_t convert_vectors(const ycc_strip_rows_t&, const unsigned char* const*, const unsigned char* const*,
                                   size_t) {
     return 0;
@@ -161,6 +166,12 @@ HWY_INLINE pixels_t pair_sums(const ycc_row_t& row, size_t x) {
            to_rgb(odd_bytes(y), upsampled_vector<summed>(row.cb + x, true), upsampled_vector<summed>(row.cr + x, true));
 }
 
+HWY_INLINE void store_quarters(unsigned char* const* to, size_t x, const pixels_t& sums) {
+    store_bytes(hn::ShiftRight<2>(sums.red), to[0] + x);
+    store_bytes(hn::ShiftRight<2>(sums.green), to[1] + x);
+    store_bytes(hn::ShiftRight<2>(sums.blue), to[2] + x);
+}
+
 HWY_INLINE size_t sum_vectors(int16_t* to, const unsigned char* nearer, const unsigned char* farther, size_t width) {
     size_t x = 0;
     for (; width - x >= hn::Lanes(words_tag); x += hn::Lanes(words_tag)) {
@@ -173,10 +184,23 @@ template <bool summed>
 HWY_INLINE size_t halve_vectors(unsigned char* const* to, const ycc_row_t& row0, const ycc_row_t& row1, size_t width) {
     size_t x = 0;
     for (; width - x >= hn::Lanes(words_tag); x += hn::Lanes(words_tag)) {
-        const pixels_t sums = pair_sums<summed>(row0, x) + pair_sums<summed>(row1, x);
-        store_bytes(hn::ShiftRight<2>(sums.red), to[0] + x);
-        store_bytes(hn::ShiftRight<2>(sums.green), to[1] + x);
-        store_bytes(hn::ShiftRight<2>(sums.blue), to[2] + x);
+        store_quarters(to, x, pair_sums<summed>(row0, x) + pair_sums<summed>(row1, x));
+    }
+    return x;
+}
+
+HWY_INLINE pixels_t full_pair_sums(const unsigned char* const* row, size_t x) {
+    const bytes_t y = hn::LoadU(bytes_tag_t(), row[0] + 2 * x);
+    const bytes_t cb = hn::LoadU(bytes_tag_t(), row[1] + 2 * x);
+    const bytes_t cr = hn::LoadU(bytes_tag_t(), row[2] + 2 * x);
+    return to_rgb(even_bytes(y), even_bytes(cb), even_bytes(cr)) + to_rgb(odd_bytes(y), odd_bytes(cb), odd_bytes(cr));
+}
+
+HWY_INLINE size_t halve_full_vectors(unsigned char* const* to, const unsigned char* const* row0,
+                                     const unsigned char* const* row1, size_t width) {
+    size_t x = 0;
+    for (; width - x >= hn::Lanes(words_tag); x += hn::Lanes(words_tag)) {
+        store_quarters(to, x, full_pair_sums(row0, x) + full_pair_sums(row1, x));
     }
     return x;
 }
@@ -258,6 +282,21 @@ HWY_INLINE void halve(unsigned char* const* to, const ycc_row_t& row0, const ycc
     }
 }
 
+void halve_full(unsigned char* const* to, const unsigned char* const* row0, const unsigned char* const* row1,
+                size_t width) {
+    for (size_t x = halve_full_vectors(to, row0, row1, width); x < width; ++x) {
+        int sum[3] = {};
+        for (const unsigned char* const* row : {row0, row1}) {
+            for (size_t i = 2 * x; i < 2 * x + 2; ++i) {
+                add_pixel(sum, row[0][i], row[1][i], row[2][i]);
+            }
+        }
+        for (size_t c = 0; c < 3; ++c) {
+            to[c][x] = static_cast<unsigned char>(sum[c] >> 2);
+        }
+    }
+}
+
 void halve_summed(unsigned char* const* to, const ycc_row_t& row0, const ycc_row_t& row1, size_t width) {
     halve<true>(to, row0, row1, width);
 }
@@ -295,6 +334,7 @@ HWY_EXPORT(sum_rows);
 HWY_EXPORT(copy_row);
 HWY_EXPORT(halve_summed);
 HWY_EXPORT(halve_plain);
+HWY_EXPORT(halve_full);
 HWY_EXPORT(convert_rows);
 
 void sum_chroma_rows(int16_t* to, const unsigned char* nearer, const unsigned char* farther, size_t width) {
@@ -312,6 +352,11 @@ void halve_ycc_rows(unsigned char* const to[3], const ycc_row_t& row0, const ycc
     } else {
         HWY_DYNAMIC_DISPATCH(halve_plain)(to, row0, row1, width);
     }
+}
+
+void halve_full_ycc_rows(unsigned char* const to[3], const unsigned char* const row0[3],
+                         const unsigned char* const row1[3], size_t width) {
+    HWY_DYNAMIC_DISPATCH(halve_full)(to, row0, row1, width);
 }
 
 void convert_rgb_rows(const ycc_strip_rows_t& to, const unsigned char* const row0[3],

@@ -28,6 +28,10 @@ struct ycc_row_t {
 void halve_ycc_rows(unsigned char* const to[3], const ycc_row_t& row0, const ycc_row_t& row1, size_t width,
                     bool summed);
 
+// The same for planes of full width, in the order Y, Cb, Cr.
+void halve_full_ycc_rows(unsigned char* const to[3], const unsigned char* const row0[3],
+                         const unsigned char* const row1[3], size_t width);
+
 // Two rows of a strip with chroma halved in both directions.
 struct ycc_strip_rows_t {
     unsigned char* y0;

@@ -20,6 +20,7 @@ void add_photo(const std::string& corpus, blob_t file) {
     };
     if (file.size() <= 16384) {  // larger pictures would take long and show no more
         add("jpeg", file);
+        add("coding", file);
     }
     file.resize(std::min<size_t>(file.size(), 65536));
     add("markers", file);

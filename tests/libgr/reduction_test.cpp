@@ -34,8 +34,8 @@ std::vector<blob_t> plain_levels(jpegdata_t& data, int quality) {
 }
 
 // Makes the levels that `wanted` has a bit for. What the plain way has nothing to say about comes out the same; what it
-// complains of is left to it.
-void expect_as_plain(jpegdata_t& data, int quality, unsigned wanted) {
+// complains of is left to it. True when libjpeg had to decode the photograph.
+bool expect_as_plain(jpegdata_t& data, int quality, unsigned wanted) {
     std::vector<blob_t> plain;
     const std::string messages = stderr_of([&] { plain = plain_levels(data, quality); });
     reduction_t reduction;
@@ -53,11 +53,17 @@ void expect_as_plain(jpegdata_t& data, int quality, unsigned wanted) {
             EXPECT_EQ(bytes_of(reduction.levels[i].stream), plain[i]) << "level " << i + 1;
         }
     }
+    return reduction.by_libjpeg;
 }
 
-void expect_as_plain(const blob_t& file, int quality, unsigned wanted) {
+bool expect_as_plain(const blob_t& file, int quality, unsigned wanted) {
     jpegdata_t data = in_memory(file);
-    expect_as_plain(data, quality, wanted);
+    return expect_as_plain(data, quality, wanted);
+}
+
+// What cameras write.
+bool is_common(sampling_t sampling) {
+    return sampling != sampling_t::s440 && sampling != sampling_t::s411;
 }
 
 constexpr unsigned every_level = ~0U;
@@ -81,7 +87,9 @@ TEST(Reduction, IsThePlainOneForEveryKindOfFile) {
         {"wide", {.width = 1023, .height = 66}},
         {"high", {.width = 66, .height = 1023, .sampling = sampling_t::s422}},
         {"progressive", {.width = 333, .height = 222, .progressive = true}},
-        {"restarts", {.width = 334, .height = 223, .sampling = sampling_t::s422, .restart_interval = 3}},
+        {"restarts", {.width = 334, .height = 223, .restart_interval = 3}},
+        {"restarts everywhere", {.width = 130, .height = 71, .restart_interval = 1}},
+        {"one restart", {.width = 600, .height = 400, .restart_interval = 250}},
         {"coarse", {.width = 335, .height = 224, .quality = 3}},
         {"segments", {.width = 336, .height = 225, .segments = {{0xE1, {1, 2}}, {0xEE, {}}, {0xFE, blob_t(65533)}}}},
     };
@@ -90,7 +98,7 @@ TEST(Reduction, IsThePlainOneForEveryKindOfFile) {
             photo_t other = photo;
             other.sampling = sampling;
             SCOPED_TRACE(testing::Message() << name << ", sampling " << int(sampling));
-            expect_as_plain(make_jpeg(other), 100, every_level);
+            EXPECT_EQ(expect_as_plain(make_jpeg(other), 100, every_level), photo.progressive || !is_common(sampling));
             expect_as_plain(make_jpeg(other), 30, 0b10110);
         }
     }
@@ -114,8 +122,25 @@ TEST(Reduction, IsThePlainOneForRealPhotographs) {
         SCOPED_TRACE(path);
         jpegdata_t data;
         ASSERT_TRUE(data.load(path.c_str()));
-        expect_as_plain(data, 100, every_level);
+        const bool by_libjpeg = expect_as_plain(data, 100, every_level);
+        constexpr unsigned char progressive[] = {0xFF, 0xC2};
+        const auto frame = std::search(data.begin(), data.end(), std::begin(progressive), std::end(progressive));
+        EXPECT_TRUE(path.find("/cameras/") == path.npos || !by_libjpeg || frame != data.end());
     }
+}
+
+TEST(Reduction, IsTheSameForEveryQuality) {
+    for (int quality = 1; quality <= 100; ++quality) {
+        SCOPED_TRACE(quality);
+        const photo_t photo{.width = 75, .height = 50, .quality = quality};
+        EXPECT_FALSE(expect_as_plain(make_jpeg(photo), quality, every_level));
+    }
+}
+
+TEST(Reduction, LeavesAllCodingToLibjpegWhenAsked) {
+    ASSERT_EQ(setenv("TALORAM_CODING", "libjpeg", 1), 0);
+    EXPECT_TRUE(expect_as_plain(make_jpeg({.width = 75, .height = 50}), 100, every_level));
+    ASSERT_EQ(unsetenv("TALORAM_CODING"), 0);
 }
 
 TEST(Reduction, IsTheSameWithEveryKindOfVectors) {
@@ -124,6 +149,8 @@ TEST(Reduction, IsTheSameWithEveryKindOfVectors) {
         for (const sampling_t sampling : samplings) {
             SCOPED_TRACE(testing::Message() << hwy::TargetName(target) << ", sampling " << int(sampling));
             expect_as_plain(make_jpeg({.width = 411, .height = 93, .sampling = sampling}), 100, every_level);
+            expect_as_plain(make_jpeg({.width = 97, .height = 40, .sampling = sampling, .quality = 98}), 1,
+                            every_level);
         }
     }
     hwy::SetSupportedTargetsForTest(0);
