@@ -36,6 +36,7 @@ entry_t entry_of(unsigned symbol, unsigned length, bool is_dc) {
 }  // namespace
 
 bool decoding_table_t::build(const JHUFF_TBL& table, bool is_dc) {
+    lookup_bits_ = is_dc ? dc_lookup_bits : ac_lookup_bits;
     entry_t longer;
     longer.kind = kind_t::long_code;
     entries_.fill(longer);
@@ -54,7 +55,7 @@ bool decoding_table_t::build(const JHUFF_TBL& table, bool is_dc) {
                 return false;
             }
             long_entries_[index] = entry_of(symbol, length, is_dc);
-            if (length <= lookup_bits) {
+            if (length <= lookup_bits_) {
                 add_code(long_entries_[index], code, length);
             }
         }
@@ -67,7 +68,7 @@ bool decoding_table_t::build(const JHUFF_TBL& table, bool is_dc) {
 }
 
 void decoding_table_t::add_code(const entry_t& entry, unsigned code, unsigned length) {
-    const unsigned rest = lookup_bits - length;
+    const unsigned rest = lookup_bits_ - length;
     std::fill_n(entries_.begin() + (code << rest), 1U << rest, entry);
 }
 
@@ -76,12 +77,12 @@ void decoding_table_t::join_pairs() {
     const auto single = entries_;
     for (unsigned bits = 0; bits < entries_.size(); ++bits) {
         entry_t& entry = entries_[bits];
-        if (entry.kind != kind_t::coefficients || entry.bits >= lookup_bits) {
+        if (entry.kind != kind_t::coefficients || entry.bits >= lookup_bits_) {
             continue;
         }
         const entry_t& next = single[bits << entry.bits & (entries_.size() - 1)];
         const unsigned total = entry.bits + next.bits;
-        if (total > lookup_bits) {
+        if (total > lookup_bits_) {
             continue;
         }
         if (next.kind == kind_t::end) {
@@ -91,7 +92,7 @@ void decoding_table_t::join_pairs() {
         } else if (next.kind == kind_t::coefficients) {
             const unsigned size = next.bits - next.code_bits;
             const auto ones = static_cast<int>((1U << size) - 1);
-            const int value = static_cast<int>(bits >> (lookup_bits - total)) & ones;
+            const int value = static_cast<int>(bits >> (lookup_bits_ - total)) & ones;
             entry.second = static_cast<int16_t>(value > ones / 2 ? value : value - ones);
             entry.second_step = next.step;
             entry.bits = static_cast<uint8_t>(total);
@@ -101,7 +102,7 @@ void decoding_table_t::join_pairs() {
 
 const decoding_table_t::entry_t& decoding_table_t::find_long(uint64_t bits) const {
     static constexpr entry_t none;
-    for (unsigned length = lookup_bits + 1; length <= max_length; ++length) {
+    for (unsigned length = lookup_bits_ + 1; length <= max_length; ++length) {
         const auto code = static_cast<unsigned>(bits >> (64 - length));
         if (code >= first_codes_[length] && code < long_code_ends_[length]) {
             return long_entries_[first_indices_[length] + code - first_codes_[length]];

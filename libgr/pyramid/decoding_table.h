@@ -7,11 +7,9 @@
 
 namespace libgr {
 
-// What the next bits of a scan say, by their first `lookup_bits`: one coefficient, or two where both fit into these.
+// What the next bits of a scan say, by as many of them as a look-up takes: one coefficient, or two where both fit in.
 class decoding_table_t {
   public:
-    static constexpr unsigned lookup_bits = 11;
-
     enum class kind_t : uint8_t {
         coefficients,  // one or two
         end,           // none or one, and the end of the block
@@ -36,7 +34,7 @@ class decoding_table_t {
     // False when libjpeg refuses the table.
     [[nodiscard]] bool build(const JHUFF_TBL& table, bool is_dc);
 
-    [[nodiscard]] const entry_t& look_up(uint64_t bits) const { return entries_[bits >> (64 - lookup_bits)]; }
+    [[nodiscard]] const entry_t& look_up(uint64_t bits) const { return entries_[bits >> (64 - lookup_bits_)]; }
     [[nodiscard]] const entry_t& find_long(uint64_t bits) const;
 
   private:
@@ -44,8 +42,12 @@ class decoding_table_t {
     void join_pairs();
 
     static constexpr unsigned max_length = 16;
+    // All tables of a photograph are to stay in the processor's nearest cache.
+    static constexpr unsigned ac_lookup_bits = 11;
+    static constexpr unsigned dc_lookup_bits = 8;
 
-    std::array<entry_t, 1U << lookup_bits> entries_;
+    unsigned lookup_bits_ = ac_lookup_bits;
+    std::array<entry_t, 1U << ac_lookup_bits> entries_;
     std::array<entry_t, 256> long_entries_;  // in the order of their codes
     std::array<uint32_t, max_length + 1> long_code_ends_{};
     std::array<uint32_t, max_length + 1> first_codes_{};

@@ -130,6 +130,10 @@ HWY_INLINE size_t decode_ac(bit_reader_t& reader, const decoding_table_t& table,
                 continue;
             }
         }
+        if (entry->kind == kind_t::coefficients && k + entry->step + entry->second_step == last_coefficient) {
+            reader.skip(entry->bits);  // both are stored
+            return last_coefficient;
+        }
         if (HWY_UNLIKELY(entry->kind == kind_t::long_code)) {
             entry = &table.find_long(reader.bits());
         }
