@@ -1,6 +1,7 @@
 #include "bench/yardstick/levels.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -35,8 +36,9 @@ class planes_t {
   public:
     explicit planes_t(const jpeg_decompress_struct& decoder)
         : summed_(decoder.comp_info[0].v_samp_factor == 2),
+          full_(decoder.comp_info[0].h_samp_factor == 1),
           imcu_rows_(summed_ ? 2 * DCTSIZE : DCTSIZE),
-          chroma_width_((decoder.image_width + 1) / 2),
+          chroma_width_(full_ ? decoder.image_width : (decoder.image_width + 1) / 2),
           chroma_height_(summed_ ? (decoder.image_height + 1) / 2 : decoder.image_height) {
         const size_t luma = row_bytes(decoder.image_width);
         const size_t chroma = row_bytes(chroma_width_);
@@ -62,14 +64,26 @@ class planes_t {
             const bool last = decoder.output_scanline >= decoder.output_height;
             const JDIMENSION end = last ? decoder.output_height : decoder.output_scanline - (summed_ ? 1 : 0);
             for (; next + 1 < end; next += 2) {
-                const libgr::ycc_row_t upper = row(next);
-                libgr::halve_ycc_rows(level.row_to_fill(), upper, row(next + 1), level.width(), summed_);
+                halve(next, level);
                 level.take_row();
             }
         }
     }
 
   private:
+    void halve(JDIMENSION y, level_t& level) {
+        if (full_) {
+            const auto planes = [this](JDIMENSION at) {
+                return std::array{y_[at % (2 * imcu_rows_)], chroma_[0][at % (2 * DCTSIZE)],
+                                  chroma_[1][at % (2 * DCTSIZE)]};
+            };
+            libgr::halve_full_ycc_rows(level.row_to_fill(), planes(y).data(), planes(y + 1).data(), level.width());
+            return;
+        }
+        const libgr::ycc_row_t upper = row(y);
+        libgr::halve_ycc_rows(level.row_to_fill(), upper, row(y + 1), level.width(), summed_);
+    }
+
     libgr::ycc_row_t row(JDIMENSION y) {
         for (int c = 0; c < 2; ++c) {
             const auto chroma = [this, c](JDIMENSION at) { return chroma_[c][at % (2 * DCTSIZE)]; };
@@ -85,7 +99,8 @@ class planes_t {
         return {y_[y % (2 * imcu_rows_)], upsampled_[y % 2][0], upsampled_[y % 2][1]};
     }
 
-    bool summed_;  // 4:2:0, else 4:2:2
+    bool summed_;  // 4:2:0
+    bool full_;    // 4:4:4
     JDIMENSION imcu_rows_;
     JDIMENSION chroma_width_;
     JDIMENSION chroma_height_;
@@ -97,8 +112,8 @@ class planes_t {
 
 bool fits(const jpeg_decompress_struct& decoder) {
     const jpeg_component_info* const c = decoder.comp_info;
-    return decoder.num_components == 3 && decoder.jpeg_color_space == JCS_YCbCr && c[0].h_samp_factor == 2 &&
-           c[0].v_samp_factor <= 2 && c[1].h_samp_factor * c[1].v_samp_factor == 1 &&
+    return decoder.num_components == 3 && decoder.jpeg_color_space == JCS_YCbCr && c[0].h_samp_factor <= 2 &&
+           c[0].v_samp_factor <= c[0].h_samp_factor && c[1].h_samp_factor * c[1].v_samp_factor == 1 &&
            c[2].h_samp_factor * c[2].v_samp_factor == 1;
 }
 
@@ -201,7 +216,7 @@ std::deque<level_t> make_levels(bytes_t file, unsigned levels, bool thumbnail) {
     }
     jpeg_read_header(&decoder, TRUE);
     if (!fits(decoder)) {
-        std::fprintf(stderr, "limit: takes 4:2:0 and 4:2:2 alone\n");
+        std::fprintf(stderr, "limit: takes 4:2:0, 4:2:2 and 4:4:4 alone\n");
         std::exit(EXIT_FAILURE);
     }
     const unsigned last = levels + (thumbnail ? 2 : 0);

@@ -42,7 +42,7 @@ class level_t {
     JSAMPROW cr_[DCTSIZE];
 };
 
-// Makes `levels` reduced sizes of a photograph in 4:2:0 or 4:2:2, each half the one before, all encoded with the
+// Makes `levels` reduced sizes of a photograph in 4:2:0, 4:2:2 or 4:4:4, each half the one before, all encoded with the
 // photograph's segments; and, two halvings further on, a thumbnail without them where asked for, which is the last of
 // the result then. Any other photograph ends the program.
 [[nodiscard]] std::deque<level_t> make_levels(bytes_t file, unsigned levels, bool thumbnail);

@@ -9,11 +9,12 @@
 
 #include "tests/support/photo_maker.h"
 
-// make_photos <directory> <count> <width>x<height> [--seed <n>] [--thumb all] [-j <processes>]
+// make_photos <directory> <count> <width>x<height> [--seed <n>] [--thumb all] [--sampling 422|444|gray]
+//             [--restarts <MCUs>] [-j <processes>]
 //
-// Photographs as cameras write them: 4:2:0, some shot with the camera held upright, three of four or all with a
-// thumbnail. The quality gives files as large as those of real scenes of that size, which are less smooth. The same
-// arguments make the same bytes.
+// Photographs as cameras write them: 4:2:0 unless told otherwise, some shot with the camera held upright, three of four
+// or all with a thumbnail. The quality gives files as large as those of real scenes of that size, which are less
+// smooth. The same arguments make the same bytes.
 namespace {
 
 struct order_t {
@@ -23,13 +24,20 @@ struct order_t {
     unsigned height = 0;
     unsigned seed = 1;
     bool all_thumbnails = false;
+    test_support::sampling_t sampling = test_support::sampling_t::s420;
+    unsigned restart_interval = 0;  // MCUs
     unsigned processes = 1;
 };
 
 void make_photo(const order_t& order, unsigned index) {
     using namespace test_support;
     constexpr unsigned orientations[] = {1, 1, 6, 1, 1, 8, 1, 1, 6, 3};
-    const photo_t photo{.width = order.width, .height = order.height, .quality = 98, .seed = order.seed + index};
+    const photo_t photo{.width = order.width,
+                        .height = order.height,
+                        .sampling = order.sampling,
+                        .quality = 98,
+                        .seed = order.seed + index,
+                        .restart_interval = order.restart_interval};
     const bool with_thumbnail = order.all_thumbnails || index % 4 != 3;
     char name[32];
     std::snprintf(name, sizeof name, "P%07u.jpg", 1010001 + index);
@@ -49,6 +57,13 @@ bool read_arguments(order_t& order, int argc, char** argv) {
             order.seed = number(argv[i + 1]);
         } else if (option == "-j") {
             order.processes = number(argv[i + 1]);
+        } else if (option == "--restarts") {
+            order.restart_interval = number(argv[i + 1]);
+        } else if (option == "--sampling") {
+            const std::string name = argv[i + 1];
+            order.sampling = name == "422"   ? test_support::sampling_t::s422
+                             : name == "444" ? test_support::sampling_t::s444
+                                             : test_support::sampling_t::gray;
         } else if (option == "--thumb") {
             order.all_thumbnails = argv[i + 1] == std::string("all");
         } else {
@@ -77,7 +92,7 @@ int main(int argc, char** argv) {
     if (!read_arguments(order, argc, argv)) {
         std::fprintf(stderr,
                      "usage: make_photos <directory> <count> <width>x<height> [--seed <n>] [--thumb all] "
-                     "[-j <processes>]\n");
+                     "[--sampling 422|444|gray] [--restarts <MCUs>] [-j <processes>]\n");
         return 2;
     }
     std::filesystem::create_directories(order.directory);
