@@ -13,7 +13,8 @@ photographs=${TALORAM_PHOTOS:-$(dirname "${BASH_SOURCE[0]}")/../../../shared/pho
 
 # One line for each thing that is told beside the picture, its group in front.
 told() {
-    exiftool -r -ext jpg -ee -a -u -G1 -s "$1" 2>/dev/null |
+    # It ends with 1 where a file is damaged.
+    { exiftool -r -ext jpg -ee -a -u -G1 -s "$1" 2>/dev/null || true; } |
         sed -n 's/^\[\([^]]*\)\] *\([^ ]*\) *: .*/\1 \2/p' |
         grep -vE '^(System|ExifTool|Composite|Adobe|ICC[^ ]*|JFIF) |^File (File|MIME|Exif|Image|Encoding|Bits|Color|YCbCr)' |
         sort -u
