@@ -49,11 +49,16 @@ class import_t {
 
     // True when the step is to go on with the other files.
     [[nodiscard]] bool collect(const files_t& file, const std::error_code& reason = {}) {
-        failed_.push_back({file.filename, heard_.line() + (reason ? " " + reason.message() : "")});
-        if (!options_.keep_going && ended_at_.name.empty()) {
-            ended_at_ = failed_.back();
+        const left_out_t failed{file.filename, heard_.line() + (reason ? " " + reason.message() : "")};
+        const bool has_ended = !ended_at_.name.empty();
+        const bool is_left_out =
+            !has_ended && (options_.keep_going || (options_.leaves_out && options_.leaves_out(failed)));
+        if (is_left_out) {
+            failed_.push_back(failed);
+        } else if (!has_ended) {
+            ended_at_ = failed;
         }
-        return options_.keep_going;
+        return is_left_out;
     }
     [[nodiscard]] failed_file_t collector() {
         return [this](const files_t& file) { return collect(file); };
@@ -63,7 +68,7 @@ class import_t {
     std::string album_;
     import_options_t options_;
     std::vector<files_t> files_;        // those that did not fail so far
-    std::vector<left_out_t> failed_;    // in this step
+    std::vector<left_out_t> failed_;    // in this step, to be left out
     std::vector<left_out_t> left_out_;  // in earlier steps
     left_out_t ended_at_;               // the file whose failure ended the import
     libutils::first_report_t heard_;    // about the file that is worked on
@@ -103,7 +108,8 @@ import_result_t import_t::run(progress_signals_t& progress) {
 
 bool import_t::copy(progress_t& progress) {
     const std::string originals = entry_path(album_, layout::original);
-    if (options_.keep_going && !libutils::mkdir(originals.c_str())) {
+    const bool may_go_on = options_.keep_going || options_.leaves_out;
+    if (may_go_on && !libutils::mkdir(originals.c_str())) {
         libutils::report(originals, ": mkdir failed, ", std::strerror(errno));
         return false;
     }
@@ -113,8 +119,9 @@ bool import_t::copy(progress_t& progress) {
     if (!copied) {
         // What was copied stays, and a sum of what it replaced would call it changed.
         files_.erase(std::find_if(files_.begin(), files_.end(),
-                                  [this](const files_t& file) { return file.filename == failed_.front().name; }),
+                                  [this](const files_t& file) { return file.filename == ended_at_.name; }),
                      files_.end());
+        drop_failed();
         progress_t unseen;
         static_cast<void>(manifest_.is_kept() && note_sums(unseen, false));
         return false;
@@ -127,11 +134,13 @@ bool import_t::verify(progress_t& progress) {
     if (!options_.verify && !manifest_.is_kept()) {
         return true;
     }
-    return note_sums(progress, options_.verify) && remove_failed();
+    const bool noted = note_sums(progress, options_.verify);
+    return remove_failed() && noted;
 }
 
 bool import_t::make_sizes(progress_t& progress) {
-    return shrink(album_, files_, progress, collector()) && remove_failed();
+    const bool made = shrink(album_, files_, progress, collector());
+    return remove_failed() && made;
 }
 
 bool import_t::note_sums(progress_t& progress, bool from_disk) {

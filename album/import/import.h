@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,16 +18,19 @@ namespace taloram {
                                        const std::string& album, progress_t& copyprogress, progress_t& shrinkprogress,
                                        progress_t& htmlprogress, progress_t& zoomprogress);
 
+struct left_out_t {
+    std::string name;
+    std::string reason;  // as in import_result_t
+};
+
 struct import_options_t {
     // Each copy is brought to the disk, read back from there and compared with its source; the album gets SHA256SUMS.
     bool verify = false;
     // A file that fails is left out of the album and the others are finished.
     bool keep_going = false;
-};
-
-struct left_out_t {
-    std::string name;
-    std::string reason;  // as in import_result_t
+    // Asked about each file that fails, where it is not left out anyway: true leaves it out as keep_going does, and the
+    // import goes on from there; false ends it. Empty: false.
+    std::function<bool(const left_out_t& file)> leaves_out = nullptr;
 };
 
 struct import_result_t {

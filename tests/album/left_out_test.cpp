@@ -45,6 +45,28 @@ TEST_F(left_out_test, what_fails_is_left_out_whole) {
               import({.keep_going = true}, {{"good.jpg"}}));
 }
 
+TEST_F(left_out_test, each_file_is_asked_about) {
+    for (const char* name : {"bad.jpg", "good.jpg", "stop.jpg"}) {
+        put(card + "/" + name, *name == 'g' ? photo : blob_t{'n', 'o'});
+    }
+    const std::vector<files_t> files{{"gone.jpg"}, {"bad.jpg"}, {"good.jpg"}, {"stop.jpg"}};
+    strings_t asked;
+    std::string wanted = "stop.jpg";
+    const import_options_t options{.leaves_out = [&](const left_out_t& file) {
+        EXPECT_NE("", file.reason);
+        asked.push_back(file.name);
+        return file.name != wanted;
+    }};
+    EXPECT_THAT(import(options, files), AllOf(HasSubstr("false\n"), HasSubstr("shrink() failed.\n")));
+    EXPECT_EQ((strings_t{"gone.jpg", "bad.jpg", "stop.jpg"}), asked);
+    EXPECT_EQ((strings_t{"gone.jpg", "bad.jpg"}), left_out);
+    EXPECT_EQ((strings_t{"original/good.jpg", "original/stop.jpg"}), names("/original"));
+    wanted = "";
+    EXPECT_THAT(import(options, files), HasSubstr("true\n"));
+    EXPECT_EQ((strings_t{"original/good.jpg"}), names("/original"));
+    EXPECT_TRUE(fs::exists(album + "/html/good_1.html"));
+}
+
 TEST_F(left_out_test, no_level_stays_that_nothing_is_in) {
     put(card + "/p.jpg", make_jpeg({.width = 200, .height = 120}));
     put(album + "/size2", "no directory");
