@@ -22,9 +22,35 @@ namespace taloram {
 
 namespace {
 
+// The source's texts of an album that is to have other ones: as files they would be copied over what the user wrote.
+// One that can't be read is none of them, and fails as a copy.
+std::vector<std::string> texts_not_wanted(const album_order_t& order) {
+    comment_texts_t own;
+    if (load_comments_in(own, order.source)) {
+        return {};
+    }
+    const auto is_other = [](const std::optional<std::string>& wanted, const std::string& text) {
+        return wanted && *wanted != text;
+    };
+    std::vector<std::string> names;
+    if (is_other(order.title, own.title) || is_other(order.head, own.head)) {
+        names.emplace_back(layout::head_text);
+    }
+    if (is_other(order.last, own.last)) {
+        names.emplace_back(layout::last_text);
+    }
+    return names;
+}
+
 class maker_t {
   public:
-    explicit maker_t(const album_order_t& order) : order_(order) {}
+    explicit maker_t(const album_order_t& order) : order_(order) {
+        const std::vector<std::string> others = texts_not_wanted(order);
+        for (const files_t& file : order.files) {
+            const bool is_other = std::find(others.begin(), others.end(), file.filename) != others.end();
+            (is_other ? left_texts_ : files_).push_back(file);
+        }
+    }
 
     [[nodiscard]] bool check() {
         return done(album_step_t::source, has_fit_source()) && done(album_step_t::conflicts, has_no_conflicts()) &&
@@ -69,7 +95,7 @@ class maker_t {
         }
         const bool replaces = order_.replace == replace_t::files;
         if (!replaces) {
-            conflicts = find_conflicts(order_.source, order_.files, order_.album);
+            conflicts = find_conflicts(order_.source, files_, order_.album);
         }
         for (const std::string& path : conflicts) {
             libutils::report(libutils::printable(path), ": there already, with other contents.");
@@ -80,12 +106,12 @@ class maker_t {
                 libutils::report(libutils::printable(path), ": ", what);
             }
         };
-        const bool keeps = keeps_sums(order_.source, order_.files, order_.album, replaces, add_once);
+        const bool keeps = keeps_sums(order_.source, files_, order_.album, replaces, add_once);
         return conflicts.empty() && keeps;
     }
 
     [[nodiscard]] bool has_distinct_names() {
-        const std::error_code failure = find_clashes(result_.clashes, order_.files, order_.album);
+        const std::error_code failure = find_clashes(result_.clashes, files_, order_.album);
         for (const auto& [a, b] : result_.clashes) {
             libutils::report(libutils::printable(entry_path(order_.album, a)), ", ", libutils::printable(b),
                              ": one file for the album's disk; rename one before the import.");
@@ -94,7 +120,7 @@ class maker_t {
     }
 
     [[nodiscard]] bool has_room() {
-        result_.missing_room = missing_room(order_.source, order_.files, order_.album);
+        result_.missing_room = missing_room(order_.source, files_, order_.album);
         if (!result_.missing_room.empty()) {
             libutils::report(order_.album, ": ", result_.missing_room, " more free space is needed for this import.");
         }
@@ -111,7 +137,11 @@ class maker_t {
     }
 
     [[nodiscard]] bool warn() const {
-        warn_of_names(order_.files, order_.album);
+        for (const files_t& file : left_texts_) {
+            libutils::report(libutils::printable(entry_path(order_.source, file.filename)),
+                             ": not imported; the album gets another text.");
+        }
+        warn_of_names(files_, order_.album);
         return true;
     }
 
@@ -138,7 +168,7 @@ class maker_t {
     }
 
     [[nodiscard]] bool import(progress_signals_t& progress) {
-        result_.import = import_album(order_.source, order_.files, order_.album, order_.options, progress);
+        result_.import = import_album(order_.source, files_, order_.album, order_.options, progress);
         return result_.import.is_done();
     }
 
@@ -151,6 +181,8 @@ class maker_t {
     }
 
     const album_order_t& order_;
+    std::vector<files_t> files_;       // of the order, to be imported
+    std::vector<files_t> left_texts_;  // of the order, not to be imported
     album_result_t result_;
     libutils::first_report_t heard_;
     write_lock_t lock_;

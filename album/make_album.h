@@ -24,7 +24,8 @@ struct album_order_t {
     std::string album;
 
     // The texts of its pages. An empty one stays as the album has it, else comes from the source; the title comes at
-    // last from the directory's name.
+    // last from the directory's name. Of the source's head.txt and last.txt those are not imported that say something
+    // else than what is given here.
     std::optional<std::string> title;
     std::optional<std::string> head;
     std::optional<std::string> last;

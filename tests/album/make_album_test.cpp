@@ -56,6 +56,24 @@ TEST_F(make_album_test, tells_how_far_it_came) {
     EXPECT_EQ(album_step_t::directory, result.refused);
 }
 
+TEST_F(make_album_test, what_was_typed_stays_when_the_card_has_texts) {
+    const std::string head = order.album + "/txt/head.txt";
+    fs::create_directories(dir / "book");
+    put(card + "/head.txt", "Card\nCard\nfrom the card\n");
+    put(card + "/last.txt", "the end\n");
+    order.files = {{"head.txt"}, {"last.txt"}};
+    order.title = "Typed";
+    order.head = order.last = std::nullopt;
+    EXPECT_EQ("true\n" + card + "/head.txt: not imported; the album gets another text.\n", make());
+    EXPECT_EQ("Typed\r\nTyped\r\nfrom the card\r\n", text_of(head));
+    EXPECT_EQ("the end\n", text_of(order.album + "/txt/last.txt"))
+        << "a text that was left alone is a file like others";
+    order.title = "Card";
+    order.replace = replace_t::files;
+    EXPECT_EQ("true\n", make());
+    EXPECT_EQ(text_of(card + "/head.txt"), text_of(head));
+}
+
 TEST_F(make_album_test, refuses_a_source_that_it_would_remove) {
     fs::create_directories(album + "/size0/deeper");
     fs::create_directory_symlink(album + "/size0", dir / "link");
