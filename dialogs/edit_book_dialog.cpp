@@ -3,7 +3,6 @@
 #include <gtkmm/stock.h>
 
 #include <algorithm>
-#include <list>
 #include <map>
 
 #include "album/album_update.h"
@@ -11,12 +10,10 @@
 #include "album/shell_command.h"
 #include "album/texts/comment_store.h"
 #include "dialogs/edit_album_dialog.h"
-#include "dialogs/make_album_dialog.h"
+#include "dialogs/import_run.h"
 #include "dialogs/make_book_dialog.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/system_path.h"
-#include "libutils/text/text.h"
-#include "settings/settings.h"
 #include "toolkit/text_encoding.h"
 #include "widgets/message_box.h"
 #include "widgets/raise_window.h"
@@ -43,48 +40,6 @@ enum column_t : guint {
     remove_column,
     columns
 };
-
-// Where a new album may lie: in the book or in one of its books, not the book itself nor anywhere outside.
-bool lies_in_book(const std::string& album, const std::string& book) {
-    const std::string start = entry_path(book, "");
-    if (libutils::stringcmp(album.c_str(), start.c_str()) != 0 || album.size() == start.size()) {
-        return false;
-    }
-    std::list<std::string> names;
-    libutils::separate_token(names, album.substr(start.size()), "/");
-    return std::all_of(names.begin(), names.end(), is_plain_name);
-}
-
-// Why an album was not made, with what the engine says about it below the text of the box.
-void show_refusal(Gtk::Window& parent, const album_result_t& result) {
-    switch (*result.refused) {
-        case album_step_t::source:
-            show_error(parent, msg_source_missing);
-            return;
-        case album_step_t::names: {
-            Glib::ustring names = message_text(msg_names_clash);
-            for (const auto& [a, b] : result.clashes) {
-                names += "\n" + to_toolkit(a) + ", " + to_toolkit(b);
-            }
-            show_error(parent, result.clashes.empty() ? to_toolkit(result.reason) : names);
-            return;
-        }
-        case album_step_t::room:
-            show_error(parent, message_text(msg_no_room) + "\n" + message_text(msg_room_missing) + " " +
-                                   to_toolkit(result.missing_room));
-            return;
-        case album_step_t::directory:
-        case album_step_t::texts:
-            show_failure(parent, msg_comments_failed, result.reason);
-            return;
-        case album_step_t::conflicts:
-        case album_step_t::lock:
-        case album_step_t::import:
-        case album_step_t::book_page:
-            break;
-    }
-    show_failure(parent, msg_album_failed, result.reason, result.import.file);
-}
 
 }  // namespace
 
@@ -310,56 +265,9 @@ void EditBookDialog::make_book() {
 }
 
 void EditBookDialog::make_album() {
-    album_order_t order;
-    if (!order_album(order)) {
-        return;
-    }
-    progress_.begin(to_toolkit(order.album));
-    const album_result_t result = taloram::make_album(order, progress_.signals());
-    progress_.end();
-    if (!result.is_made()) {
-        show_refusal(*this, result);
-        return;
-    }
-    refresh();
-}
-
-bool EditBookDialog::order_album(album_order_t& order) {
-    MakeAlbumDialog dialog(*this, g_global.from, book_directory_);
-    order.replace = replace_t::files;  // the user is asked about an album that is there
-    order.is_in_book = true;
-    for (;;) {
-        const int response = dialog.run();
-        if (response == Gtk::RESPONSE_CANCEL || response == Gtk::RESPONSE_DELETE_EVENT ||
-            response == Gtk::RESPONSE_NONE) {
-            return false;
-        }
-        if (response != Gtk::RESPONSE_OK) {
-            continue;
-        }
-        order.source = dialog.get_from();
-        order.files = dialog.selected_files();
-        order.album = dialog.get_to();
-        order.title = dialog.get_title();
-        if (order.files.empty()) {
-            show_error(dialog, msg_nothing_selected);
-        } else if (order.source.empty()) {
-            show_error(dialog, msg_source_missing);
-        } else if (!lies_in_book(order.album, book_directory_)) {
-            show_error(dialog, msg_album_missing);
-        } else if (is_book(order.album)) {
-            show_error(dialog, msg_names_a_book);
-        } else if (is_exist(order.album) && !ask_yes_no(dialog, msg_album_exists)) {
-            continue;
-        } else if (order.title->empty()) {
-            show_error(dialog, msg_title_missing);
-        } else if (const album_result_t found = check_album_order(order); !found.is_made()) {
-            show_refusal(dialog, found);
-        } else {
-            order.head = dialog.begin_comment();
-            order.last = dialog.last_comment();
-            return true;
-        }
+    const std::optional<album_order_t> order = ask_for_album(*this, book_directory_);
+    if (order && run_import(*this, progress_, *order)) {
+        refresh();
     }
 }
 

@@ -12,7 +12,6 @@
 #include <vector>
 
 #include "album/book_entries.h"
-#include "album/make_album.h"
 #include "widgets/comment_fields.h"
 #include "widgets/progress_window.h"
 #include "widgets/row_table.h"
@@ -65,7 +64,6 @@ class EditBookDialog : public Gtk::Dialog {
     bool rewrite_page();
     void make_book();
     void make_album();
-    [[nodiscard]] bool order_album(album_order_t& order);
     void button_list(size_t index);
     void button_remove(size_t index);
 

@@ -12,24 +12,22 @@
 #include "libutils/files/directory.h"
 #include "libutils/files/path.h"
 #include "talolib/option.h"
+#include "toolkit/window_preferences.h"
 #include "widgets/raise_window.h"
 #include "widgets/single_line.h"
 #include "widgets/table_scroller.h"
-#include "widgets/thumbnails.h"
 
 namespace taloram {
 
 namespace {
 
-constexpr guint rows_per_file = 3;
-constexpr int highest_list = 400;  // pixels
-constexpr int label_width = 20;    // characters
-constexpr int entry_width = 50;    // characters
-constexpr int spacing = 4;         // pixels
-constexpr int least_width = 120;   // pixels, of a file without picture
-constexpr int least_height = 90;   // pixels
-constexpr int view_width = 300;    // pixels
-constexpr int view_height = 100;   // pixels
+constexpr const char* window_name = "album maker";  // in the preferences
+constexpr int highest_list = 400;                   // pixels
+constexpr int label_width = 20;                     // characters
+constexpr int entry_width = 50;                     // characters
+constexpr int spacing = 4;                          // pixels
+constexpr int view_width = 300;                     // pixels
+constexpr int view_height = 100;                    // pixels
 
 std::string todays_name() {
     const std::optional<day_t> today = local_day(time(nullptr));
@@ -46,6 +44,12 @@ void set_up_entry(Gtk::Label& label, Gtk::Entry& entry, e_message_local_t text, 
     keep_on_one_line(entry);
 }
 
+void report_if_unread(const unread_text_t& unread) {
+    if (unread) {
+        report_unread(unread);
+    }
+}
+
 void set_up_button(Gtk::Button& button, e_message_local_t text, std::string& taken) {
     button.set_label(mnemonic_text(text, taken));
     button.set_use_underline(true);
@@ -58,7 +62,7 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
       bookdir_(bookdir),
       mnemonics_(stock_letters({Gtk::Stock::OK, Gtk::Stock::CANCEL})),
       table_(1, 1),
-      grid_(scroller_, table_, rows_per_file, [this](size_t index) { return std::make_unique<cell_t>(*this, index); }) {
+      files_(scroller_, table_) {
     from_entry_.set_text(from_.keep(from));
     to_entry_.set_text(todays_name());
     set_up_widgets();
@@ -67,6 +71,7 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
     add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
+    keep_size(*this, window_name);
     show_all();
 }
 
@@ -84,15 +89,20 @@ void MakeAlbumDialog::set_up_widgets() {
     set_up_button(from_button_, msg_browse, mnemonics_);
     set_up_button(invert_button_, msg_invert, mnemonics_);
     set_up_button(update_button_, msg_update, mnemonics_);
+    set_up_button(verify_button_, msg_verify_copies, mnemonics_);
+    set_up_button(leave_out_button_, msg_leave_out, mnemonics_);
+    set_up_button(new_button_, msg_select_new, mnemonics_);
+    show_search();
+    keep_choice(verify_button_, window_name, "verify_copies");
+    keep_choice(leave_out_button_, window_name, "leave_out");
     // Else the click would leave the entry first and list twice.
     update_button_.set_focus_on_click(false);
     table_caption_.set_text(message_text(msg_photographs));
     table_caption_.set_xalign(0);
     table_.get_accessible()->set_name(message_text(msg_photographs));
-    notice_.set_text(message_text(msg_nothing_listed));
     notice_.set_line_wrap(true);
     notice_.set_no_show_all(true);
-    notice_.show();
+    show_notice();
 }
 
 void MakeAlbumDialog::pack() {
@@ -106,6 +116,9 @@ void MakeAlbumDialog::pack() {
     button_row_.set_spacing(spacing);
     button_row_.pack_start(invert_button_, Gtk::PACK_SHRINK);
     button_row_.pack_start(update_button_, Gtk::PACK_SHRINK);
+    button_row_.pack_start(verify_button_, Gtk::PACK_SHRINK);
+    button_row_.pack_start(leave_out_button_, Gtk::PACK_SHRINK);
+    button_row_.pack_end(new_button_, Gtk::PACK_SHRINK);
 
     Gtk::Box& area = *get_content_area();
     area.set_spacing(spacing);
@@ -140,6 +153,8 @@ void MakeAlbumDialog::connect() {
     from_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_from));
     invert_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_invert));
     update_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_update));
+    new_button_.signal_clicked().connect([this] { files_.select_new(); });
+    files_.signal_searched().connect(sigc::mem_fun(*this, &MakeAlbumDialog::show_search));
     table_.signal_size_allocate().connect(sigc::mem_fun(*this, &MakeAlbumDialog::table_size_allocate));
 }
 
@@ -166,18 +181,16 @@ std::string MakeAlbumDialog::get_to() const {
     return names_the_book ? std::string() : bookdir_ + "/" + name;
 }
 
+import_options_t MakeAlbumDialog::options() const {
+    return {verify_button_.get_active(), leave_out_button_.get_active()};
+}
+
+// Cameras use the same names again and again: names listed in one directory mean other pictures in the next. With none
+// the selection stands, and the caller asks for the directory.
 std::vector<files_t> MakeAlbumDialog::selected_files() const {
-    std::vector<files_t> files;
-    files.reserve(items_.size());
-    // Cameras use the same names again and again: names listed in one directory mean other pictures in the next.
-    // With none the selection stands, and the caller asks for the directory.
-    if (const std::string from = get_from(); is_complete_ && (from == listed_from_ || from.empty())) {
-        for (const photo_choice_t& item : items_) {
-            if (item.is_selected) {
-                files.push_back(item.chosen());
-            }
-        }
-    }
+    const std::string from = get_from();
+    const bool is_current = is_complete_ && (from == listed_from_ || from.empty());
+    const std::vector<files_t> files = is_current ? files_.selected() : std::vector<files_t>();
     talolib::trace(std::cout, "selected_files.size(): ", files.size());
     return files;
 }
@@ -202,72 +215,62 @@ bool MakeAlbumDialog::list_source() {
     if (!is_complete_) {
         file_names_.clear();
     }
-    items_.clear();
-    for (const std::string& name : file_names_) {
-        items_.push_back({name});
-    }
-    notice_.set_text(message_text(is_complete_ ? msg_source_empty : msg_source_unreadable));
-    notice_.set_visible(items_.empty());
-    grid_.reset(items_.size(), photos_in_row());
+    empty_list_ = is_complete_ ? msg_source_empty : msg_source_unreadable;
+    files_.show_files(listed_from_, file_names_, bookdir_);
+    unread_from_ = {};
     if (is_complete_) {
         comment_texts_t found;
-        const unread_text_t unread = load_comments_in(found, listed_from_);
-        fill_texts(found, unread);
+        unread_from_ = load_comments_in(found, listed_from_);
+        texts_.fill(found);
+        report_if_unread(unread_from_);
     }
+    show_notice();
     return is_complete_;
 }
 
-// Without a word a text that can't be read would pass for none, and the album be made without it.
-void MakeAlbumDialog::fill_texts(const comment_texts_t& found, const unread_text_t& unread) {
-    texts_.fill(found);
-    if (unread) {
-        report_unread(unread);
-        notice_.set_text(message_text(msg_text_unreadable) + "\n" +
-                         to_toolkit(unread.path + ": " + unread.reason.message()));
-        notice_.show();
+// What stands in for the list, and what can't be read: without a word such a text would pass for none, and the album be
+// made without it.
+void MakeAlbumDialog::show_notice() {
+    Glib::ustring lines;
+    const auto add_line = [&lines](const Glib::ustring& line) { lines += (lines.empty() ? "" : "\n") + line; };
+    if (file_names_.empty()) {
+        add_line(message_text(empty_list_));
     }
-}
-
-MakeAlbumDialog::cell_t::cell_t(MakeAlbumDialog& owner, size_t place)
-    : photo_cell_t(owner.items_[place]), dialog(owner), index(place) {
-    const photo_choice_t& item = owner.items_[place];
-    const Glib::ustring shown_name = to_toolkit(item.name);
-    set_short_text(label, shown_name, label_width);
-    rotation.set_update_policy(Gtk::UPDATE_IF_VALID);
-    rotation.set_editable(item.is_selected);
-    rotation.set_sensitive(item.is_selected);
-    select.set_active(item.is_selected);
-    select.set_size_request(least_width, least_height);
-    select.set_tooltip_text(shown_name);
-    select.get_accessible()->set_name(shown_name);
-    select.signal_clicked().connect([this] { dialog.button_image(index); });
-    rotation.signal_value_changed().connect([this] { dialog.button_rotate(index); });
-}
-
-std::vector<Gtk::Widget*> MakeAlbumDialog::cell_t::widgets() {
-    return {&select, &label, is_photo(dialog.items_[index].name) ? &rotation : nullptr};
-}
-
-void MakeAlbumDialog::cell_t::fill() {
-    if (load_thumbnail(preview, entry_path(dialog.listed_from_, dialog.items_[index].name))) {
-        dialog.button_rotate(index);
+    for (const unread_text_t& unread : {unread_from_, unread_to_}) {
+        if (unread) {
+            add_line(message_text(msg_text_unreadable));
+            add_line(to_toolkit(unread.path + ": " + unread.reason.message()));
+        }
     }
+    notice_.set_text(lines);
+    notice_.set_visible(!lines.empty());
 }
 
-MakeAlbumDialog::cell_t* MakeAlbumDialog::find_cell(size_t index) const {
-    return dynamic_cast<cell_t*>(grid_.find(index));
+void MakeAlbumDialog::show_search() {
+    using search_t = source_grid_t::search_t;
+    const search_t search = files_.search();
+    Glib::ustring hint = message_text(msg_select_new_hint);
+    if (search == search_t::going_on) {
+        hint = message_text(msg_searching_book);
+    } else if (search == search_t::failed) {
+        hint = message_text(msg_book_not_searched) + "\n" + to_toolkit(files_.why_failed());
+    }
+    new_button_.set_tooltip_text(hint);
+    new_button_.set_sensitive(search == search_t::done);
 }
 
 bool MakeAlbumDialog::load_album_texts() {
     loaded_to_ = get_to();
-    comment_texts_t found;
-    if (loaded_to_.empty() || !is_exist(entry_path(loaded_to_, layout::text))) {
-        return false;
+    unread_to_ = {};
+    const bool has_texts = !loaded_to_.empty() && is_exist(entry_path(loaded_to_, layout::text));
+    if (has_texts) {
+        comment_texts_t found;
+        unread_to_ = load_comments(found, loaded_to_);
+        texts_.fill(found);
+        report_if_unread(unread_to_);
     }
-    const unread_text_t unread = load_comments(found, loaded_to_);
-    fill_texts(found, unread);
-    show_all_children();
-    return !unread;
+    show_notice();
+    return has_texts && !unread_to_;
 }
 
 bool MakeAlbumDialog::choose_folder(std::string& folder, e_message_local_t title, const std::string& start) {
@@ -300,41 +303,9 @@ void MakeAlbumDialog::button_to() {
     raise_window(*this);
 }
 
-void MakeAlbumDialog::button_invert() {
-    for (size_t index = 0; index < items_.size(); ++index) {
-        if (cell_t* const cell = find_cell(index)) {
-            cell->select.set_active(!items_[index].is_selected);
-        } else {
-            items_[index].is_selected = !items_[index].is_selected;
-        }
-    }
-}
-
 void MakeAlbumDialog::button_update() {
     list_source();
     load_album_texts();
-}
-
-void MakeAlbumDialog::button_image(size_t index) {
-    if (cell_t* const cell = find_cell(index)) {
-        const bool is_selected = cell->select.get_active();
-        items_[index].is_selected = is_selected;
-        cell->rotation.set_editable(is_selected);
-        cell->rotation.set_sensitive(is_selected);
-        cell->rotation.set_can_focus(false);
-    }
-}
-
-void MakeAlbumDialog::button_rotate(size_t index) {
-    cell_t* const cell = find_cell(index);
-    if (cell == nullptr) {
-        return;
-    }
-    photo_choice_t& item = items_[index];
-    item.angle = cell->rotation.get_value_as_int();
-    if (cell->is_filled && cell->show_turned(cell->preview, item.quarter_turns().value_or(0), item.name)) {
-        cell->select.set_image(cell->picture);
-    }
 }
 
 void MakeAlbumDialog::table_size_allocate(Gdk::Rectangle& allocation) {

@@ -2,6 +2,7 @@
 
 #include <gtkmm/box.h>
 #include <gtkmm/button.h>
+#include <gtkmm/checkbutton.h>
 #include <gtkmm/dialog.h>
 #include <gtkmm/entry.h>
 #include <gtkmm/label.h>
@@ -13,14 +14,15 @@
 #include <vector>
 
 #include "album/album_layout.h"
+#include "album/import/import.h"
 #include "widgets/comment_fields.h"
 #include "widgets/kept_text.h"
-#include "widgets/photo_grid.h"
+#include "widgets/source_grid.h"
 
 namespace taloram {
 
-// Lets the user choose what goes into a new album: source directory, name, files with their turns, texts. It only
-// collects; the caller makes the album. The files are listed as soon as the dialog is on the screen, whenever the
+// Lets the user choose what goes into a new album: source directory, name, files with their turns, texts, checks. It
+// only collects; the caller makes the album. The files are listed as soon as the dialog is on the screen, whenever the
 // source directory was changed, and on request.
 class MakeAlbumDialog : public Gtk::Dialog {
   public:
@@ -35,6 +37,8 @@ class MakeAlbumDialog : public Gtk::Dialog {
     [[nodiscard]] std::string get_title() const { return texts_.texts().title; }
     [[nodiscard]] std::string begin_comment() const { return texts_.texts().head; }
     [[nodiscard]] std::string last_comment() const { return texts_.texts().last; }
+    // What the check buttons say; they are as they were last used.
+    [[nodiscard]] import_options_t options() const;
     // Of the source directory that get_from() names: none when it was changed after the listing.
     [[nodiscard]] std::vector<files_t> selected_files() const;
 
@@ -45,28 +49,16 @@ class MakeAlbumDialog : public Gtk::Dialog {
 
     void button_from();
     void button_to();
-    void button_invert();
+    void button_invert() { files_.invert(); }
     void button_update();
-    void button_image(size_t index);
-    void button_rotate(size_t index);
+    void button_image(size_t index) { files_.button_image(index); }
+    void button_rotate(size_t index) { files_.button_rotate(index); }
     void table_size_allocate(Gdk::Rectangle& allocation);
 
   protected:
     void on_map() override;
 
   private:
-    // What is on the screen of a file.
-    struct cell_t : photo_cell_t {
-        cell_t(MakeAlbumDialog& owner, size_t place);
-        [[nodiscard]] std::vector<Gtk::Widget*> widgets() override;
-        void fill() override;
-
-        MakeAlbumDialog& dialog;
-        size_t index;
-        choice_button_t select;
-        Gtk::Label label;
-    };
-
     void set_up_widgets();
     void pack();
     void pack_texts(Gtk::Box& area);
@@ -74,9 +66,10 @@ class MakeAlbumDialog : public Gtk::Dialog {
 
     [[nodiscard]] bool is_listed() const;
     bool list_source();
-    [[nodiscard]] cell_t* find_cell(size_t index) const;
     bool load_album_texts();
-    void fill_texts(const comment_texts_t& found, const unread_text_t& unread);
+    void show_unread(const unread_text_t& unread);
+    void show_notice();
+    void show_search();
     [[nodiscard]] bool choose_folder(std::string& folder, e_message_local_t title, const std::string& start);
 
     const std::string& bookdir_;
@@ -97,14 +90,19 @@ class MakeAlbumDialog : public Gtk::Dialog {
     Gtk::HBox button_row_;
     Gtk::Button invert_button_;
     Gtk::Button update_button_;
+    Gtk::CheckButton verify_button_;
+    Gtk::CheckButton leave_out_button_;
+    Gtk::Button new_button_;
     comment_fields_t texts_;
     std::list<std::string> file_names_;
-    std::vector<photo_choice_t> items_;
-    scrolled_grid_t grid_;
+    source_grid_t files_;
 
-    bool is_complete_ = false;  // the list is that of listed_from_
+    bool is_complete_ = false;                           // the list is that of listed_from_
+    e_message_local_t empty_list_ = msg_nothing_listed;  // what a list without files says
     std::string listed_from_;
+    unread_text_t unread_from_;               // what of its texts can't be read
     std::string loaded_to_;                   // the album whose texts were looked for
+    unread_text_t unread_to_;                 // what of those can't be read
     std::vector<sigc::connection> on_leave_;  // of the entries
 };
 

@@ -83,7 +83,7 @@ enum e_message_local_t : talolib::e_message_t {
     msg_no_photos = 76,
     msg_turn_failed = 77,
     msg_empty_book = 78,
-    msg_stop_work = 79,       // asked when the progress window is closed
+    msg_stop_work = 79,       // asked by the progress window
     msg_no_pictures = 80,     // in the viewer's window; what it shows can also be dropped there
     msg_not_a_photo = 81,     // a reason
     msg_photo_too_much = 82,  // a reason
@@ -106,9 +106,28 @@ enum e_message_local_t : talolib::e_message_t {
     msg_look_bare = 99,
     msg_look_gallery = 100,
     msg_look_plain = 101,
-    // the album maker: 102 to 111
+    msg_verify_copies = 102,
+    msg_leave_out = 103,       // files that fail, without a question
+    msg_leave_out_this = 104,  // beside OK in the box of msg_album_failed
+    msg_left_out = 105,        // a list follows
+    msg_replaces_files = 106,  // a list follows
+    msg_select_new = 107,      // files that the book does not have
+    msg_is_held = 108,         // followed by an album's name
+    msg_select_new_hint = 109,
+    msg_book_not_searched = 110,
+    msg_searching_book = 111,
 
     // progress: 112 to 121
+    msg_progress_verify = 112,  // captions of the progress window, as those from msg_progress_copy on
+    msg_pause = 113,
+    msg_continue = 114,
+    msg_stop = 115,
+    msg_photo_count = 116,  // %1 photographs are done of %2
+    msg_photo_pace = 117,   // the same, %3 in a second, and %4 such as "8 s" left
+    msg_file_count = 118,   // as msg_photo_count
+    msg_file_pace = 119,    // as msg_photo_pace
+    msg_paused = 120,
+    msg_stopping = 121,
 
     // viewers, trash, desktop: 122 to 136
     msg_check_originals = 122,

@@ -3,6 +3,7 @@
 #include <gtkmm/window.h>
 
 #include <string>
+#include <vector>
 
 #include "messages/message.h"
 
@@ -14,6 +15,16 @@ void show_error(Gtk::Window& parent, const Glib::ustring& text);
 
 // A failure of the engine: the text, and below it at what file, where that is known, and the innermost reason.
 void show_failure(Gtk::Window& parent, e_message_local_t text, const std::string& reason, const std::string& file = "");
+
+// The same with another button beside OK; true when that was chosen.
+[[nodiscard]] bool show_failure_or(Gtk::Window& parent, e_message_local_t text, const std::string& reason,
+                                   const std::string& file, e_message_local_t other);
+
+// A text and below it a list, which scrolls where it is long.
+void show_list(Gtk::Window& parent, e_message_local_t text, const std::vector<std::string>& lines);
+
+// The same as a question with Yes and No; true for Yes.
+[[nodiscard]] bool ask_about_list(Gtk::Window& parent, e_message_local_t text, const std::vector<std::string>& lines);
 
 // An error box with Yes and No; true for Yes.
 [[nodiscard]] bool ask_yes_no(Gtk::Window& parent, e_message_local_t text);

@@ -13,6 +13,7 @@
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
+#include "widgets/photo_grid.h"
 
 namespace {
 
@@ -43,12 +44,12 @@ TEST(MakeAlbumDialog, lists_turns_and_selects) {
     Gtk::Window window;
     const std::string book = "/no book";
     MakeAlbumDialog dialog(window, card.path(), book);
-    EXPECT_TRUE(find_all<Gtk::ToggleButton>(dialog).empty());
+    EXPECT_TRUE(find_all<choice_button_t>(dialog).empty());
     const std::string err = stderr_of([&] { click(dialog, "Update List"); });
     EXPECT_TRUE(err.ends_with((card / invalid) + ": jpeginfo analyze_markers() failed.\n")) << err;
     g_global.horizontal_items = 5;
 
-    auto files = find_all<Gtk::ToggleButton>(dialog);
+    auto files = find_all<choice_button_t>(dialog);
     auto turns = find_all<Gtk::SpinButton>(dialog);
     std::reverse(files.begin(), files.end());  // a table names the last first
     std::reverse(turns.begin(), turns.end());
@@ -81,7 +82,7 @@ TEST(MakeAlbumDialog, lists_turns_and_selects) {
     entries[0]->set_text(empty.path());
     EXPECT_TRUE(dialog.selected_files().empty()) << "names of one directory never stand for files of another";
     EXPECT_TRUE(dialog.leave_from(nullptr));
-    EXPECT_TRUE(find_all<Gtk::ToggleButton>(dialog).empty());
+    EXPECT_TRUE(find_all<choice_button_t>(dialog).empty());
     entries[1]->set_text("x\r\ny\n");
     EXPECT_EQ(book + "/x y ", dialog.get_to()) << "pasted line ends";
     entries[1]->set_text("");
@@ -114,7 +115,7 @@ TEST(MakeAlbumDialog, many_photographs_have_few_widgets) {
     EXPECT_EQ(nullptr, find_button(dialog, "101.JPG")) << "scrolled away";
     find_all<Gtk::ScrolledWindow>(dialog).at(0)->get_vadjustment()->set_value(1e6);
     wait_until([&] { return find_button(dialog, "499.JPG") != nullptr; });
-    EXPECT_GT(120U, find_all<Gtk::ToggleButton>(dialog).size());
+    EXPECT_GT(120U, find_all<choice_button_t>(dialog).size());
     EXPECT_LT("400.JPG", focused()) << "the keyboard goes on from what is seen";
     ASSERT_EQ(1U, dialog.selected_files().size());
     click(dialog, "Invert Selection");
