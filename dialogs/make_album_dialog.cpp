@@ -67,6 +67,7 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
     to_entry_.set_text(todays_name());
     set_up_widgets();
     pack();
+    set_up_choices();
     connect();
     add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
@@ -89,12 +90,6 @@ void MakeAlbumDialog::set_up_widgets() {
     set_up_button(from_button_, msg_browse, mnemonics_);
     set_up_button(invert_button_, msg_invert, mnemonics_);
     set_up_button(update_button_, msg_update, mnemonics_);
-    set_up_button(verify_button_, msg_verify_copies, mnemonics_);
-    set_up_button(leave_out_button_, msg_leave_out, mnemonics_);
-    set_up_button(new_button_, msg_select_new, mnemonics_);
-    show_search();
-    keep_choice(verify_button_, window_name, "verify_copies");
-    keep_choice(leave_out_button_, window_name, "leave_out");
     // Else the click would leave the entry first and list twice.
     update_button_.set_focus_on_click(false);
     table_caption_.set_text(message_text(msg_photographs));
@@ -103,6 +98,16 @@ void MakeAlbumDialog::set_up_widgets() {
     notice_.set_line_wrap(true);
     notice_.set_no_show_all(true);
     show_notice();
+}
+
+// Behind all others, which keep their letters.
+void MakeAlbumDialog::set_up_choices() {
+    set_up_button(verify_button_, msg_verify_copies, mnemonics_);
+    set_up_button(leave_out_button_, msg_leave_out, mnemonics_);
+    set_up_button(new_button_, msg_select_new, mnemonics_);
+    show_search();
+    keep_choice(verify_button_, window_name, "verify_copies");
+    keep_choice(leave_out_button_, window_name, "leave_out");
 }
 
 void MakeAlbumDialog::pack() {

@@ -60,6 +60,7 @@ class MakeAlbumDialog : public Gtk::Dialog {
 
   private:
     void set_up_widgets();
+    void set_up_choices();
     void pack();
     void pack_texts(Gtk::Box& area);
     void connect();

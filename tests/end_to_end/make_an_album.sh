@@ -142,10 +142,40 @@ repair_album() {
     cp "$card/IMG_0002.JPG" "$place/stick/IMG_0009.JPG"
     order_album "$place/stick" "later"
     wait_window "Message"
+    local question=$window
     press alt+y # adds to it
+    wait_window "Message" "$question"
+    press alt+y # replaces the copy of the broken one
     has "IMG_0009.JPG" "$albums/later/index.html"
     wait_window "Edit Book - albums" "$editor"
     editor=$window
+}
+
+# All files of a directory, their copies verified; the box about the broken one offers to go on without it.
+verify_album() {
+    mkdir "$place/reader"
+    cp "$card/IMG_0002.JPG" "$place/reader"
+    echo "not a photograph" >"$place/reader/IMG_0010.JPG"
+    press alt+e
+    wait_window "New Album"
+    fill "$place/reader"
+    press Return
+    press alt+i
+    press alt+v
+    press alt+a
+    fill "checked"
+    press alt+t
+    fill "Checked"
+    press alt+o
+    wait_window "Message"
+    press alt+l
+    has "IMG_0002.JPG" "$albums/checked/index.html"
+    wait_window "Edit Book - albums" "$editor"
+    editor=$window
+    check is_gone "$albums/checked/original/IMG_0010.JPG"
+    check lacks "IMG_0010" "$albums/checked/SHA256SUMS"
+    (cd "$albums/checked" && sha256sum --check --strict --quiet SHA256SUMS) || fail "The sums are not those of the files."
+    has "verify_copies=true" "$HOME/.config/taloram/window.conf"
 }
 
 # Pages tell when they were made.
@@ -236,7 +266,7 @@ start_without_streams() {
 mkdir "$place/home"
 "$bin/make_samples" "$card"
 start_desktop "$place/home"
-for step in first_start make_book make_album repair_album compare_with_talomake write_comment rename_album remove_book close_all \
+for step in first_start make_book make_album repair_album verify_album compare_with_talomake write_comment rename_album remove_book close_all \
     start_without_streams; do
     echo "$step"
     "$step"
