@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <charconv>
+#include <memory>
 #include <string_view>
 
 #include "album/jobs.h"
@@ -96,6 +97,15 @@ CLI::Option* add_value(CLI::App& app, const char* name, const char* type, const 
     return app.add_option_function<std::string>(name, take_plain, description)->type_name(type);
 }
 
+// What stands in its place among the arguments: one path or name, or several.
+template <typename Words>
+CLI::Option* add_words(CLI::App& app, const char* name, Words& words, const char* description) {
+    return app
+        .add_option_function<Words>(
+            name, [&words](const Words& given) { words = plain(given); }, description)
+        ->type_name("");
+}
+
 void add_flag(CLI::App& app, const char* name, bool& flag, const char* description) {
     app.add_flag(name, flag, description)->disable_flag_override();
 }
@@ -114,12 +124,10 @@ void define_run_options(CLI::App& app, run_options_t& run) {
 
 CLI::App* define_album(CLI::App& app, album_command_t& command) {
     CLI::App* const album = app.add_subcommand("album", "Make an album of the photographs of a directory");
-    album->add_option("from_dir", command.from, "where the photographs are")->required()->type_name("");
-    album->add_option("album_dir", command.album, "the album; made when missing")->required()->type_name("");
-    album
-        ->add_option("file", command.files,
-                     "names of files in from_dir; without any, all but hidden ones, head.txt and last.txt")
-        ->type_name("");
+    add_words(*album, "from_dir", command.from, "where the photographs are")->required();
+    add_words(*album, "album_dir", command.album, "the album; made when missing")->required();
+    add_words(*album, "file", command.files,
+              "names of files in from_dir; without any, all but hidden ones, head.txt and last.txt");
     add_value(*album, "--title", "TEXT", "the album's title",
               [&command](const std::string& text) { command.title = parse_title(text); });
     add_value(*album, "--head", "FILE", "text above the photographs",
@@ -147,9 +155,7 @@ CLI::App* define_album(CLI::App& app, album_command_t& command) {
 
 CLI::App* define_update(CLI::App& app, update_command_t& command) {
     CLI::App* const update = app.add_subcommand("update", "Bring albums and books up to date");
-    update->add_option("dir", command.directories, "an album, or a book with all albums below it")
-        ->required()
-        ->type_name("");
+    add_words(*update, "dir", command.directories, "an album, or a book with all albums below it")->required();
     add_flag(*update, "--prune", command.prune,
              "remove sizes, thumbnails and zoom pages of photographs that are no longer in original/");
     define_run_options(*update, command.run);
@@ -158,33 +164,31 @@ CLI::App* define_update(CLI::App& app, update_command_t& command) {
 
 CLI::App* define_verify(CLI::App& app, verify_command_t& command) {
     CLI::App* const verify = app.add_subcommand("verify", "Compare originals and movies with their SHA256SUMS");
-    verify->add_option("dir", command.directories, "an album, or a book with all albums below it")
-        ->required()
-        ->type_name("");
+    add_words(*verify, "dir", command.directories, "an album, or a book with all albums below it")->required();
     return verify;
 }
 
 CLI::App* define_book(CLI::App& app, book_command_t& command) {
     CLI::App* const book = app.add_subcommand("book", "Rewrite the index page of books");
-    book->add_option("book_dir", command.directories, "a directory of albums")->required()->type_name("");
+    add_words(*book, "book_dir", command.directories, "a directory of albums")->required();
     return book;
 }
 
 CLI::App* define_turn(CLI::App& app, turn_command_t& command) {
     CLI::App* const turn = app.add_subcommand("turn", "Turn photographs of an album and rewrite its pages");
-    turn->add_option("album_dir", command.album, "the album")->required()->type_name("");
+    add_words(*turn, "album_dir", command.album, "the album")->required();
     turn->add_option_function<std::string>(
             "angle", [&command](const std::string& text) { command.quarter_turns = parse_angle("angle", text); },
             "clockwise: 90, 180 or 270")
         ->required()
         ->type_name("");
-    turn->add_option("photo", command.photos, "names of photographs in the album")->required()->type_name("");
+    add_words(*turn, "photo", command.photos, "names of photographs in the album")->required();
     return turn;
 }
 
 CLI::App* define_exif(CLI::App& app, exif_command_t& command) {
     CLI::App* const exif = app.add_subcommand("exif", "Print the shooting data of photographs");
-    exif->add_option("photo", command.photos, "JPEG files")->required()->type_name("");
+    add_words(*exif, "photo", command.photos, "JPEG files")->required();
     add_flag(*exif, "--html", command.html, "as on an album's pages");
     return exif;
 }
@@ -203,10 +207,8 @@ CLI::App* define_look(CLI::App& app, look_command_t& command) {
 
 CLI::App* define_publish(CLI::App& app, publish_command_t& command) {
     CLI::App* const publish = app.add_subcommand("publish", "Make a copy of an album or book for readers");
-    publish->add_option("dir", command.source, "an album, or a book with all albums below it")
-        ->required()
-        ->type_name("");
-    publish->add_option("copy_dir", command.directory, "the copy; made when missing")->required()->type_name("");
+    add_words(*publish, "dir", command.source, "an album, or a book with all albums below it")->required();
+    add_words(*publish, "copy_dir", command.directory, "the copy; made when missing")->required();
     add_flag(*publish, "--keep-data", command.keep_data, "keep all that photographs tell: places, cameras, previews");
     add_flag(*publish, "--prune", command.prune, "remove what was published before and is no longer in the album");
     return publish;
@@ -215,13 +217,28 @@ CLI::App* define_publish(CLI::App& app, publish_command_t& command) {
 CLI::App* define_card(CLI::App& app, card_command_t& command) {
     CLI::App* const card = app.add_subcommand(
         "card", "Bring what is new on memory cards into a book, and prove that the book has every file of them");
-    card->add_option("card", command.cards, "cards, and last the book")->required()->expected(2, -1)->type_name("");
+    const auto take_directories = [&command](const std::vector<std::string>& directories) {
+        command.cards = plain(directories);
+        command.book = command.cards.back();
+        command.cards.pop_back();
+    };
+    card->add_option_function<std::vector<std::string>>("card", take_directories, "cards, and last the book")
+        ->required()
+        ->expected(2, -1)
+        ->type_name("");
     add_flag(*card, "--check", command.check, "import nothing: only compare the cards with the book");
     add_value(*card, "--album", "NAME", "one album for all that is new, instead of one a day",
               [&command](const std::string& text) { command.album = text; });
     add_flag(*card, "--list", command.list, "print each file of the cards, a tab, and its place in the book");
     define_run_options(*card, command.run);
     return card;
+}
+
+// `chosen` becomes the command when it is the one that was named.
+template <typename Command>
+void add_command(CLI::App& app, std::optional<command_t>& chosen, CLI::App* (*define)(CLI::App&, Command&)) {
+    const auto command = std::make_shared<Command>();
+    define(app, *command)->callback([command, &chosen] { chosen = *command; });
 }
 
 }  // namespace
@@ -232,24 +249,16 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     app.require_subcommand(1);
     app.footer("Exit status: 0 done; 1 something failed, standard error tells what; 2 wrong use, nothing was touched.");
 
-    album_command_t album;
-    update_command_t update;
-    verify_command_t verify;
-    book_command_t book;
-    turn_command_t turn;
-    exif_command_t exif;
-    look_command_t look;
-    publish_command_t publish;
-    card_command_t card;
-    const CLI::App* const album_app = define_album(app, album);
-    const CLI::App* const update_app = define_update(app, update);
-    const CLI::App* const verify_app = define_verify(app, verify);
-    const CLI::App* const book_app = define_book(app, book);
-    const CLI::App* const turn_app = define_turn(app, turn);
-    define_exif(app, exif);
-    const CLI::App* const look_app = define_look(app, look);
-    const CLI::App* const publish_app = define_publish(app, publish);
-    const CLI::App* const card_app = define_card(app, card);
+    std::optional<command_t> chosen;
+    add_command(app, chosen, define_album);
+    add_command(app, chosen, define_update);
+    add_command(app, chosen, define_verify);
+    add_command(app, chosen, define_book);
+    add_command(app, chosen, define_turn);
+    add_command(app, chosen, define_exif);
+    add_command(app, chosen, define_look);
+    add_command(app, chosen, define_publish);
+    add_command(app, chosen, define_card);
     app.footer(
         "Each command has --help. Settings are those of the file .taloram in the home directory; options win for one "
         "run.\n" +
@@ -258,45 +267,7 @@ std::optional<command_t> parse_command_line(int argc, const char* const* argv, i
     if (!programs::parse_arguments(app, argc, argv, ": no such command or option.", status)) {
         return std::nullopt;
     }
-    if (album_app->parsed()) {
-        album.from = plain(album.from);
-        album.album = plain(album.album);
-        album.files = plain(album.files);
-        return album;
-    }
-    if (update_app->parsed()) {
-        update.directories = plain(update.directories);
-        return update;
-    }
-    if (verify_app->parsed()) {
-        verify.directories = plain(verify.directories);
-        return verify;
-    }
-    if (book_app->parsed()) {
-        book.directories = plain(book.directories);
-        return book;
-    }
-    if (turn_app->parsed()) {
-        turn.album = plain(turn.album);
-        turn.photos = plain(turn.photos);
-        return turn;
-    }
-    if (look_app->parsed()) {
-        return look;
-    }
-    if (publish_app->parsed()) {
-        publish.source = plain(publish.source);
-        publish.directory = plain(publish.directory);
-        return publish;
-    }
-    if (card_app->parsed()) {
-        card.cards = plain(card.cards);
-        card.book = card.cards.back();
-        card.cards.pop_back();
-        return card;
-    }
-    exif.photos = plain(exif.photos);
-    return exif;
+    return chosen;
 }
 
 }  // namespace talomake
