@@ -1,7 +1,6 @@
 #include "album/publish/publish.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <list>
 #include <set>
 
@@ -135,9 +134,8 @@ bool publisher_t::note(const std::string& file, const published_copy_t::failure_
 bool publisher_t::put_photo(const std::string& file) {
     libutils::bytes_t bytes;
     public_photo_t photo;
-    errno = EIO;  // unless opening it knows better
-    if (!bytes.load(0, plan_.path(file).c_str(), libutils::PROT_READ_ONLY, 0, false, nullptr)) {
-        return note(file, {libutils::last_error(), copy_.remove(file)});
+    if (const std::error_code unread = libutils::map_file(bytes, plan_.path(file))) {
+        return note(file, {unread, copy_.remove(file)});
     }
     if (!photo.read(bytes)) {
         libutils::report(libutils::printable(plan_.path(file)), ": not published, its segments can't be read.");
@@ -156,8 +154,7 @@ bool publisher_t::put_photo(const std::string& file) {
 
 void publisher_t::look_for_place(const std::string& file) {
     libutils::bytes_t movie;
-    if (movie.load(0, plan_.path(file).c_str(), libutils::PROT_READ_ONLY, 0, false, nullptr) &&
-        names_a_place({movie.begin(), movie.size()})) {
+    if (!libutils::map_file(movie, plan_.path(file)) && names_a_place({movie.begin(), movie.size()})) {
         libutils::report(libutils::printable(plan_.path(file)), ": its data name a place; it is published as it is.");
     }
 }

@@ -11,6 +11,7 @@
 #include "album/album_layout.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/new_file.h"
+#include "libutils/files/open_file.h"
 #include "libutils/files/read_file.h"
 #include "libutils/files/system_path.h"
 
@@ -22,55 +23,45 @@ constexpr size_t block_size = size_t{256} << 10;        // bytes
 constexpr uint64_t longest_record = uint64_t{1} << 30;  // bytes
 constexpr std::string_view first_line = "Readers' copy of an album or book, made by taloram.\n";
 
-class open_file_t {
+// A regular file, read from its beginning on.
+class file_blocks_t {
   public:
-    // O_NONBLOCK: a pipe must not hold the program before it is found to be no regular file.
-    [[nodiscard]] std::error_code open(const std::string& path, int flags) {
-        descriptor_ = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | flags);
-        if (descriptor_ < 0 || fstat(descriptor_, &status_) != 0) {
-            return libutils::last_error();
+    explicit file_blocks_t(const std::string& path, int flags = 0) : file_(path, flags) {
+        struct stat status {};
+        failure_ = file_.query(status);
+        if (!failure_ && !S_ISREG(status.st_mode)) {
+            failure_ = libutils::refusal_t::not_a_file;
         }
-        return S_ISREG(status_.st_mode) ? std::error_code() : make_error_code(libutils::refusal_t::not_a_file);
+        size_ = static_cast<uint64_t>(status.st_size);
     }
-    open_file_t() = default;
-    ~open_file_t() {
-        if (descriptor_ >= 0) {
-            close(descriptor_);
-        }
-    }
-    open_file_t(const open_file_t&) = delete;
-    open_file_t& operator=(const open_file_t&) = delete;
 
-    [[nodiscard]] uint64_t size() const { return static_cast<uint64_t>(status_.st_size); }
+    [[nodiscard]] const std::error_code& failure() const { return failure_; }
+    [[nodiscard]] uint64_t size() const { return size_; }
 
     // The next `count` bytes, fewer only at the end of the file.
     [[nodiscard]] std::error_code read(std::string_view& bytes, size_t count) {
         block_.resize(std::max(block_.size(), count));
-        size_t filled = 0;
-        while (filled < count) {
-            const ssize_t got = ::read(descriptor_, block_.data() + filled, count - filled);
-            if (got == 0) {
-                break;
-            }
-            if (got < 0 && errno != EINTR) {
-                return libutils::last_error();
-            }
-            filled += got < 0 ? 0 : static_cast<size_t>(got);
+        const ssize_t got = file_.read_at(block_.data(), count, at_);
+        if (got < 0) {
+            return libutils::last_error();
         }
-        bytes = {block_.data(), filled};
+        at_ += got;
+        bytes = {block_.data(), static_cast<size_t>(got)};
         return {};
     }
 
   private:
-    int descriptor_ = -1;
-    struct stat status_ {};
+    libutils::open_file_t file_;
+    std::error_code failure_;
+    uint64_t size_ = 0;
+    off_t at_ = 0;
     std::vector<char> block_;
 };
 
 // True when the file has just these bytes. `unread` is the failure of the contents.
 bool has_contents(const std::string& path, const contents_t& contents, std::error_code& unread) {
-    open_file_t old;
-    if (old.open(path, O_NOFOLLOW)) {
+    file_blocks_t old(path, O_NOFOLLOW);
+    if (old.failure()) {
         return false;
     }
     bool is_equal = true;
@@ -106,9 +97,9 @@ bool is_recordable(std::string_view path) {
 
 contents_t contents_of_file(const std::string& path) {
     return [path](const take_bytes_t& take) {
-        open_file_t file;
-        if (const std::error_code failure = file.open(path, 0)) {
-            return failure;
+        file_blocks_t file(path);
+        if (file.failure()) {
+            return file.failure();
         }
         uint64_t read = 0;
         for (std::string_view bytes; true; read += bytes.size()) {

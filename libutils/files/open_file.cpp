@@ -9,8 +9,8 @@
 
 namespace libutils {
 
-open_file_t::open_file_t(const std::string& path)
-    : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY)),
+open_file_t::open_file_t(const std::string& path, int flags)
+    : descriptor_(open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | flags)),
       failure_(is_open() ? std::error_code() : last_error()) {
 }
 

@@ -13,7 +13,8 @@ namespace libutils {
 class open_file_t {
   public:
     // A pipe does not hold the program before it is found to be no regular file.
-    explicit open_file_t(const std::string& path);
+    // `flags` of open(2) besides.
+    explicit open_file_t(const std::string& path, int flags = 0);
     ~open_file_t();
     open_file_t(const open_file_t&) = delete;
     open_file_t& operator=(const open_file_t&) = delete;
