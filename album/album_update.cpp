@@ -7,6 +7,7 @@
 #include "album/pages/album_pages.h"
 #include "album/pages/book_index.h"
 #include "album/sizes/reduced_sizes.h"
+#include "album/sizes/unflushed_sizes.h"
 #include "album/turn/pending_turn.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
@@ -100,10 +101,14 @@ update_result_t update_album(const std::vector<files_t>& files, const std::strin
     if (!end_left_turns(album)) {
         return update_failure_t{"", heard.line()};
     }
+    remove_broken_sizes(album);
     progress.begun.emit(album, files);
     // An import that was stopped while it copied has left none.
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
-    return watched_update_t(files, album).run(progress);
+    const update_result_t result = watched_update_t(files, album).run(progress);
+    const libutils::first_report_t unflushed;
+    const bool flushed = !has_unflushed_sizes(album) || flush_sizes(album);
+    return result || flushed ? result : update_failure_t{"", unflushed.line()};
 }
 
 bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,

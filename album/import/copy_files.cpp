@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <iostream>
+#include <memory>
+#include <utility>
 
 #include "album/engine_step.h"
 #include "album/import/import_file.h"
@@ -66,46 +68,112 @@ bool can_stay(const import_file_t& file) {
             (status.st_nlink == 1 && !libutils::copy_date(file.source, file.destination)));
 }
 
+// A copy on its way. Until it is in place it has no name that counts.
+struct copy_t {
+    const files_t* file;
+    import_file_t where;
+    std::unique_ptr<libutils::new_file_t> bytes;  // null when there is nothing to be put in place
+    std::error_code failure;
+};
+
+// All the bytes, compared with their source; the disk has begun with them.
+std::error_code write_copy(copy_t& copy) {
+    libutils::new_file_t& bytes = *copy.bytes;
+    if (const std::error_code failure = bytes.open()) {
+        return failure;
+    }
+    if (const std::error_code failure = libutils::copy_file(copy.where.source, bytes.current_path())) {
+        return failure;
+    }
+    bytes.begin_flush();
+    return libutils::same_contents(copy.where.source.c_str(), bytes.current_path().c_str())
+               ? std::error_code()
+               : make_error_code(std::errc::io_error);
+}
+
+std::error_code make_copy(copy_t& copy, const std::string& album) {
+    const std::string& name = copy.file->filename;
+    const import_file_t& where = copy.where;
+    if (!is_plain_name(name)) {
+        return make_error_code(std::errc::invalid_argument);
+    }
+    if (const std::error_code failure = check_names(where, name, album)) {
+        return failure;
+    }
+    if (where.in_place ? is_exist(where.source) : can_stay(where)) {
+        return is_photo(name) ? remove_reduced_sizes(album, name) : std::error_code();
+    }
+    if (where.in_place) {
+        return make_error_code(std::errc::no_such_file_or_directory);
+    }
+    copy.bytes = std::make_unique<libutils::new_file_t>(where.destination, libutils::staging_t::above);
+    return write_copy(copy);
+}
+
 // The copy takes the place of the destination in one step: the name never stands for a half-written file, and another
 // name of the old file keeps the old contents. Where that fails the old file has its sizes again.
-std::error_code replace_with_copy(const import_file_t& file, const std::string& album, const std::string& name) {
-    libutils::new_file_t copy(file.destination, libutils::staging_t::above);
-    if (const std::error_code failure = copy.open()) {
-        return failure;
-    }
-    if (const std::error_code failure = libutils::copy_file(file.source, copy.current_path())) {
-        return failure;
-    }
-    if (!libutils::same_contents(file.source.c_str(), copy.current_path().c_str())) {
-        return make_error_code(std::errc::io_error);
-    }
+std::error_code put_in_place(copy_t& copy, const std::string& album) {
     // Sizes of another photograph would look up to date, being younger: none may stand beside the copy.
+    const std::string& name = copy.file->filename;
     set_aside_t old_sizes(album);
     for (const std::string& path : is_photo(name) ? find_reduced_sizes(album, name) : std::vector<std::string>()) {
         if (const std::error_code failure = old_sizes.add(path)) {
             return failure;
         }
     }
-    const std::error_code failure = copy.commit();
+    const std::error_code failure = copy.bytes->commit();
     if (!failure) {
         old_sizes.remove();
     }
     return failure;
 }
 
-std::error_code copy_file(const std::string& srcdir, const std::string& name, const std::string& album) {
-    const import_file_t file = locate_import(srcdir, name, album);
-    if (!is_plain_name(name)) {
-        return make_error_code(std::errc::invalid_argument);
+// Copies get their names when they are on the disk, a good number at a time: waiting for each would take as long as the
+// disk needs to write, one after the other.
+class copies_t {
+  public:
+    copies_t(const std::string& album, const failed_copy_t& failed) : album_(album), failed_(failed) {}
+
+    // False when a failure ends the import.
+    [[nodiscard]] bool add(const std::string& srcdir, const files_t& file) {
+        copy_t copy{&file, locate_import(srcdir, file.filename, album_), nullptr, {}};
+        copy.failure = make_copy(copy, album_);
+        const bool is_failed = static_cast<bool>(copy.failure);
+        waiting_.push_back(std::move(copy));
+        return (!is_failed && waiting_.size() < most_waiting) || put_in_place();
     }
-    if (const std::error_code failure = check_names(file, name, album)) {
-        return failure;
+
+    // All of them.
+    [[nodiscard]] bool put_in_place() {
+        std::vector<copy_t> copies = std::move(waiting_);
+        waiting_.clear();
+        for (copy_t& copy : copies) {
+            if (copy.bytes && !copy.failure) {
+                copy.failure = copy.bytes->flush();
+            }
+        }
+        for (copy_t& copy : copies) {
+            if (copy.bytes && !copy.failure) {
+                copy.failure = taloram::put_in_place(copy, album_);
+            }
+            copy.bytes.reset();
+            if (copy.failure) {
+                copy_failed(copy.where.destination);
+                if (!failed_(*copy.file, copy.failure)) {
+                    return false;
+                }
+            }
+        }
+        return true;
     }
-    if (file.in_place ? is_exist(file.source) : can_stay(file)) {
-        return is_photo(name) ? remove_reduced_sizes(album, name) : std::error_code();
-    }
-    return file.in_place ? make_error_code(std::errc::no_such_file_or_directory) : replace_with_copy(file, album, name);
-}
+
+  private:
+    static constexpr size_t most_waiting = 32;
+
+    const std::string& album_;
+    const failed_copy_t& failed_;
+    std::vector<copy_t> waiting_;
+};
 
 }  // namespace
 
@@ -120,17 +188,15 @@ bool copy_files(const std::string& srcdir, const std::vector<files_t>& files, co
     if (std::any_of(files.begin(), files.end(), [](const files_t& file) { return is_movie(file.filename); })) {
         libutils::mkdir(entry_path(album, layout::movie).c_str());
     }
+    copies_t copies(album, failed);
     for (size_t i = 0; i < files.size(); ++i) {
         talolib::trace(std::cout, files[i].filename);
-        if (const std::error_code reason = copy_file(srcdir, files[i].filename, album)) {
-            copy_failed(locate_import(srcdir, files[i].filename, album).destination);
-            if (!failed(files[i], reason)) {
-                return false;
-            }
+        if (!copies.add(srcdir, files[i])) {
+            return false;
         }
         emit_progress(progress, i, files.size());
     }
-    return true;
+    return copies.put_in_place();
 }
 
 bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,

@@ -14,6 +14,7 @@
 #include "album/orphans.h"
 #include "album/pages/album_pages.h"
 #include "album/sizes/reduced_sizes.h"
+#include "album/sizes/unflushed_sizes.h"
 #include "album/sums/checksum.h"
 #include "album/sums/manifest.h"
 #include "album/sums/verification.h"
@@ -233,8 +234,15 @@ import_result_t import_album(const std::string& srcdir, const std::vector<files_
     if (!end_left_turns(album)) {
         return {stage_t::copy, "", heard.line(), {}};
     }
+    remove_broken_sizes(album);
     progress.begun.emit(album, files);
-    return import_t(srcdir, files, album, options).run(progress);
+    import_result_t result = import_t(srcdir, files, album, options).run(progress);
+    const libutils::first_report_t unflushed;
+    if (!flush_sizes(album) && result.is_done()) {
+        result.failed = stage_t::zoom_pages;
+        result.reason = unflushed.line();
+    }
+    return result;
 }
 
 bool hardlinkone(const std::string& from, const std::string& to) {

@@ -13,6 +13,7 @@
 #include "album/jobs.h"
 #include "album/sizes/jpeg_files.h"
 #include "album/sizes/level_files.h"
+#include "album/sizes/unflushed_sizes.h"
 #include "libgr/image/pixel_operations.h"
 #include "libgr/jpeg/jpegdata.h"
 #include "libutils/diagnostics.h"
@@ -209,8 +210,11 @@ bool shrink_file(const std::string& album, const files_t& file) {
     const std::string& name = file.filename;
     original_t original;
     const places_t places = make_places(original, album, name);
-    return !is_photo(name) ||
-           (is_open(original, album, name) && make_sizes(original, places, name, file.rightrotatecount));
+    if (!is_photo(name)) {
+        return true;
+    }
+    note_unflushed_sizes(album);
+    return is_open(original, album, name) && make_sizes(original, places, name, file.rightrotatecount);
 }
 
 bool shrink_file_update(const std::string& album, const files_t& file) {
@@ -229,6 +233,7 @@ bool shrink_file_update(const std::string& album, const files_t& file) {
         }
         start = static_cast<unsigned long>(missing - places.dirs.begin());
     }
+    note_unflushed_sizes(album);
     return is_open(original, album, name) && update_sizes(original, places, name, start, file.rightrotatecount);
 }
 

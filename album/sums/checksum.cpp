@@ -59,12 +59,4 @@ std::error_code sha256_of_file(std::string& sum, const std::string& path, read_f
     return {};
 }
 
-std::error_code flush_to_disk(const std::string& path) {
-    const libutils::open_file_t file(path);
-    if (file.failure()) {
-        return file.failure();
-    }
-    return fsync(file.descriptor()) == 0 ? std::error_code() : libutils::last_error();
-}
-
 }  // namespace taloram

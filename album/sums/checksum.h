@@ -14,7 +14,4 @@ enum class read_from_t {
 // read in blocks to its end. No message.
 [[nodiscard]] std::error_code sha256_of_file(std::string& sum, const std::string& path, read_from_t from);
 
-// Waits until a file, or the names in a directory, are on the disk. No message.
-[[nodiscard]] std::error_code flush_to_disk(const std::string& path);
-
 }  // namespace taloram

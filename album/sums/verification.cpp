@@ -8,6 +8,7 @@
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/file_copy.h"
+#include "libutils/files/flush.h"
 
 namespace taloram {
 
@@ -49,7 +50,7 @@ bool find_unlisted(const std::string& album, const char* kind, const manifest_t&
 }  // namespace
 
 bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest) {
-    if (flush_to_disk(file.destination) || sha256_of_file(sum, file.destination, read_from_t::disk)) {
+    if (libutils::flush(file.destination) || sha256_of_file(sum, file.destination, read_from_t::disk)) {
         return false;
     }
     if (file.in_place) {
@@ -86,12 +87,10 @@ bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, co
 bool flush_album_names(const std::string& album) {
     for (const char* name : {layout::original, layout::movie, layout::text, ".", ".."}) {
         const std::string directory = entry_path(album, name);
-        // Not every directory is there; some file systems have nothing to flush in one; and the one above may be
-        // closed to the user.
-        const std::error_code failure = flush_to_disk(directory);
-        const bool passes = failure == std::errc::no_such_file_or_directory || failure == std::errc::invalid_argument ||
-                            (failure == std::errc::permission_denied && name == std::string_view(".."));
-        if (failure && !passes) {
+        const std::error_code failure = libutils::flush(directory);
+        // Not every directory is there, and the one above may be closed to the user.
+        const bool is_closed_above = failure == std::errc::permission_denied && name == std::string_view("..");
+        if (failure && !libutils::is_absent(failure) && !is_closed_above) {
             libutils::report(directory, ": can't be brought to the disk, ", failure.message());
             return false;
         }

@@ -16,6 +16,7 @@
 #include "album/album_layout.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
+#include "libutils/files/flush.h"
 #include "libutils/system_error.h"
 
 namespace taloram {
@@ -37,19 +38,6 @@ void remove_tree(const std::string& directory) {
     std::filesystem::remove_all(directory, unseen);
 }
 
-// A file or directory as the disk has it.
-std::error_code flush(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return libutils::last_error();
-    }
-    // Some file systems have nothing to flush for a directory.
-    const std::error_code error =
-        fsync(descriptor) == 0 || errno == EINVAL ? std::error_code() : libutils::last_error();
-    close(descriptor);
-    return error;
-}
-
 // Everything in `directory`, and then itself.
 std::error_code flush_tree(const std::string& directory) {
     std::list<std::string> kinds;
@@ -64,12 +52,12 @@ std::error_code flush_tree(const std::string& directory) {
         }
         names.emplace_back(".");
         for (const std::string& name : names) {
-            if (const std::error_code error = flush(entry_path(path, name))) {
+            if (const std::error_code error = libutils::flush(entry_path(path, name))) {
                 return error;
             }
         }
     }
-    return flush(directory);
+    return libutils::flush(directory);
 }
 
 // Opens `directory` and holds it. Where the file system refuses locks it is open all the same.
@@ -98,6 +86,9 @@ std::error_code copy_into_place(const std::string& from, const std::string& to) 
         return failure;
     }
     if (const std::error_code failure = save_file(data, to)) {
+        return failure;
+    }
+    if (const std::error_code failure = libutils::flush(to)) {
         return failure;
     }
     return unlink(from.c_str()) == 0 ? std::error_code() : libutils::last_error();
@@ -141,7 +132,7 @@ bool place_tree(const std::string& album, const std::string& pending) {
                 return false;
             }
         }
-        static_cast<void>(flush(to));
+        static_cast<void>(libutils::flush(to));
     }
     return true;
 }
@@ -150,6 +141,8 @@ bool place_tree(const std::string& album, const std::string& pending) {
 void end_tree(const std::string& album, const std::string& pending) {
     const std::string ended = entry_path(album, begun_prefix + own_name());
     const bool renamed = std::rename(pending.c_str(), ended.c_str()) == 0;
+    // After a power cut it still counts or has ended; it is not there in part.
+    static_cast<void>(libutils::flush(album));
     remove_tree(renamed ? ended : pending);
 }
 
@@ -214,7 +207,7 @@ std::error_code pending_turn_t::commit(unsigned long count) {
     }
     directory_ = committed;
     is_committed_ = true;
-    static_cast<void>(flush(album_));
+    static_cast<void>(libutils::flush(album_));
     return {};
 }
 

@@ -11,6 +11,7 @@
 #include <map>
 
 #include "libutils/files/directory.h"
+#include "libutils/files/flush.h"
 #include "libutils/files/followed_link.h"
 #include "libutils/files/system_path.h"
 #include "libutils/files/write_all.h"
@@ -70,17 +71,6 @@ std::error_code check_kind(mode_t mode) {
         return make_error_code(std::errc::is_a_directory);
     }
     return S_ISREG(mode) ? std::error_code() : make_error_code(refusal_t::not_a_file);
-}
-
-std::error_code flush_directory(const std::string& directory) {
-    const int descriptor = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor < 0) {
-        return last_error();
-    }
-    std::error_code failure = result_of(fsync(descriptor));
-    close(descriptor);
-    // Some file systems have nothing to flush there.
-    return failure == std::errc::invalid_argument ? std::error_code() : failure;
 }
 
 // Network file systems and quotas refuse bytes as late as when a descriptor is closed; the own one is still needed.
@@ -279,12 +269,20 @@ std::error_code new_file_t::commit() {
     return failure_;
 }
 
-std::error_code new_file_t::commit_to_disk() {
+void new_file_t::begin_flush() const {
     if (!failure_) {
-        failure_ = result_of(fsync(descriptor_));
+        libutils::begin_flush(descriptor_);
     }
+}
+
+std::error_code new_file_t::flush() {
+    return failure_ ? failure_ : failure_ = libutils::flush(descriptor_);
+}
+
+std::error_code new_file_t::commit_to_disk() {
+    static_cast<void>(flush());
     const std::error_code failure = commit();
-    return failure ? failure : failure_ = flush_directory(directory_of_path());
+    return failure ? failure : failure_ = libutils::flush(directory_of_path());
 }
 
 std::error_code write_file(const std::string& path, staging_t staging, std::string_view bytes) {

@@ -52,7 +52,12 @@ class new_file_t {
 
     [[nodiscard]] std::error_code commit();
 
-    // The same, and waits until the bytes and the name are on the disk.
+    // Waits until the bytes are on the disk, so that commit() gives the name to what a power cut leaves whole. Has the
+    // disk begin with them, for a flush() that comes later.
+    [[nodiscard]] std::error_code flush();
+    void begin_flush() const;
+
+    // flush() and commit(), and waits until the name is on the disk, too.
     [[nodiscard]] std::error_code commit_to_disk();
 
     // A path under which the file can be opened until commit(); "" before open().
