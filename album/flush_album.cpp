@@ -5,10 +5,12 @@
 #include <chrono>
 #include <future>
 #include <set>
+#include <system_error>
 #include <vector>
 
 #include "album/album_layout.h"
 #include "album/jobs.h"
+#include "libutils/diagnostics.h"
 #include "libutils/files/flush.h"
 
 namespace taloram {
@@ -40,18 +42,19 @@ std::error_code flush_all(const std::vector<std::string>& directories) {
 
 }  // namespace
 
-std::error_code flush_album(const std::string& album) {
-    const std::vector<std::string> directories = file_systems(album);
-    if (!g_workers.idle) {
-        return flush_all(directories);
-    }
+bool flush_album(const std::string& album) {
     // A slow disk takes minutes.
     constexpr std::chrono::milliseconds interval{50};
-    std::future<std::error_code> flushed = std::async(std::launch::async, flush_all, directories);
-    while (flushed.wait_for(interval) != std::future_status::ready) {
+    const auto policy = g_workers.idle ? std::launch::async | std::launch::deferred : std::launch::deferred;
+    std::future<std::error_code> flushed = std::async(policy, flush_all, file_systems(album));
+    while (g_workers.idle && flushed.wait_for(interval) == std::future_status::timeout) {
         g_workers.idle();
     }
-    return flushed.get();
+    const std::error_code failure = flushed.get();
+    if (failure) {
+        libutils::report(album, ": can't be brought to the disk, ", failure.message());
+    }
+    return !failure;
 }
 
 }  // namespace taloram

@@ -294,7 +294,8 @@ bool need_update(const std::string& source, const std::string& target) {
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress) {
-    return shrink(album, files, progress, ends_the_run);
+    const bool made = shrink(album, files, progress, ends_the_run);
+    return flush_sizes(album) && made;
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
@@ -304,7 +305,8 @@ bool shrink(const std::string& album, const std::vector<files_t>& files, progres
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress) {
-    return shrinkupdate(files, album, progress, ends_the_run);
+    const bool made = shrinkupdate(files, album, progress, ends_the_run);
+    return flush_sizes(album) && made;
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress,

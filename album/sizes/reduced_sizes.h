@@ -23,7 +23,7 @@ namespace taloram {
 using failed_file_t = std::function<bool(const files_t& file)>;
 
 // Makes all levels and the thumbnail of every listed photograph; other files only count for progress. Ends at the first
-// photograph that fails, or where `failed` says so.
+// photograph that fails, or where `failed` says so; who says it flushes the sizes (album/sizes/unflushed_sizes.h).
 [[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress);
 [[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
                           const failed_file_t& failed);

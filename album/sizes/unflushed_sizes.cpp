@@ -10,7 +10,6 @@
 #include "album/album_layout.h"
 #include "album/flush_album.h"
 #include "libgr/jpeg/jpegdata.h"
-#include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
 #include "libutils/files/file_copy.h"
 #include "libutils/files/flush.h"
@@ -87,12 +86,11 @@ bool has_unflushed_sizes(const std::string& album) {
 }
 
 bool flush_sizes(const std::string& album) {
-    if (const std::error_code failure = flush_album(album)) {
-        libutils::report(album, ": can't be brought to the disk, ", failure.message());
-        return false;
+    const bool flushed = flush_album(album);
+    if (flushed) {
+        unlink(note_path(album).c_str());
     }
-    unlink(note_path(album).c_str());
-    return true;
+    return flushed;
 }
 
 void remove_broken_sizes(const std::string& album) {

@@ -7,13 +7,13 @@
 #include <optional>
 
 #include "album/engine_step.h"
+#include "album/flush_album.h"
 #include "album/jobs.h"
 #include "album/pages/album_pages.h"
 #include "album/sizes/jpeg_files.h"
 #include "album/sizes/level_files.h"
 #include "album/sizes/photo_sizes.h"
 #include "album/sizes/reduced_sizes.h"
-#include "album/sizes/unflushed_sizes.h"
 #include "album/turn/pending_turn.h"
 #include "album/write_lock.h"
 #include "libgr/jpeg/whole_picture.h"
@@ -191,7 +191,7 @@ turned_t turn_photos(const std::string& album, const std::vector<std::string>& n
     // The pages name the sizes' bytes. Until they are written the turn counts as begun: it would else be asked for
     // again.
     const bool changed = pending.is_committed() || !left.empty();
-    const bool written = !changed || (write_pages(album, progress) && flush_sizes(album));
+    const bool written = !changed || (write_pages(album, progress) && flush_album(album));
     if (turned) {
         pending.end();
     }
