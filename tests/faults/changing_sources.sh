@@ -35,6 +35,11 @@ complete() {
     is_same "$reference" "$album"
 }
 
+# Files that the import has not finished: copies wait for their names until some dozens are on the disk.
+copies_open() {
+    find "/proc/$job/fd" -lname '* (deleted)' 2>/dev/null | wc -l
+}
+
 # Starts an import and stops it while it copies the movie.
 start_import() {
     local attempt
@@ -46,7 +51,9 @@ start_import() {
             :
         done
         kill -STOP $job 2>/dev/null || true
-        [ -e "$album/original/IMG_0001.JPG" ] || return 0
+        if [ ! -e "$album/original/IMG_0001.JPG" ] && [ "$(copies_open)" -lt 2 ]; then
+            return 0
+        fi
         kill -KILL $job 2>/dev/null || true
         { wait $job || true; } 2>/dev/null
     done

@@ -200,7 +200,8 @@ if mount_disk 1024 100 2>/dev/null; then
     refuse_disks
     stages=(comments copy "level 0" "reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages" "book's page")
     fill_disks import "$place/empty" "$place/full" "${import[@]}"
-    stages=(copy thumbnails "index page" "list page" count.txt "zoom pages" "book's page")
+    # Where there are names for the pages there is one for the book's page: that of the note of unflushed sizes.
+    stages=(copy thumbnails "index page" "list page" count.txt "zoom pages")
     fill_directories import "$place/empty" "$place/full" "${import[@]}"
     stages=("reduced sizes" thumbnails "index page" "list page" count.txt "zoom pages")
     fill_disks update "$place/broken" "$place/full" "${update[@]}"
