@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iostream>
+#include <iterator>
 #include <memory>
 #include <utility>
 
@@ -128,8 +129,8 @@ std::error_code put_in_place(copy_t& copy, const std::string& album) {
     return failure;
 }
 
-// Copies get their names when they are on the disk, a good number at a time: waiting for each would take as long as the
-// disk needs to write, one after the other.
+// Copies get their names when they are on the disk. It writes a good number of them while the next ones are copied: who
+// waits for each waits for the disk all the time.
 class copies_t {
   public:
     copies_t(const std::string& album, const failed_copy_t& failed) : album_(album), failed_(failed) {}
@@ -140,13 +141,20 @@ class copies_t {
         copy.failure = make_copy(copy, album_);
         const bool is_failed = static_cast<bool>(copy.failure);
         waiting_.push_back(std::move(copy));
-        return (!is_failed && waiting_.size() < most_waiting) || put_in_place();
+        return is_failed ? put_in_place() : waiting_.size() < most_waiting || put_in_place(most_waiting / 2);
     }
 
     // All of them.
-    [[nodiscard]] bool put_in_place() {
-        std::vector<copy_t> copies = std::move(waiting_);
-        waiting_.clear();
+    [[nodiscard]] bool put_in_place() { return put_in_place(waiting_.size()); }
+
+  private:
+    static constexpr size_t most_waiting = 32;
+
+    // The oldest.
+    [[nodiscard]] bool put_in_place(size_t count) {
+        std::vector<copy_t> copies;
+        std::move(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(count), std::back_inserter(copies));
+        waiting_.erase(waiting_.begin(), waiting_.begin() + static_cast<std::ptrdiff_t>(count));
         for (copy_t& copy : copies) {
             if (copy.bytes && !copy.failure) {
                 copy.failure = copy.bytes->flush();
@@ -166,9 +174,6 @@ class copies_t {
         }
         return true;
     }
-
-  private:
-    static constexpr size_t most_waiting = 32;
 
     const std::string& album_;
     const failed_copy_t& failed_;

@@ -11,6 +11,7 @@
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
+#include "libutils/files/flush.h"
 #include "libutils/files/new_file.h"
 #include "libutils/files/path.h"
 #include "libutils/text/text.h"
@@ -207,7 +208,10 @@ bool savecommenttxt(const std::string& album, const std::string& title, const st
         return false;
     }
     const std::string txtdir = entry_path(album, layout::text);
-    libutils::mkdir(txtdir.c_str());
+    if (!is_exist(txtdir)) {
+        libutils::mkdir(txtdir.c_str());
+        static_cast<void>(libutils::flush(entry_path(album, ".")));
+    }
     const std::string title_line = libutils::on_one_line(title) + "\r\n";
     return save_text(head_in(txtdir), album, title_line + title_line + lines_of(head)) &&
            save_text(last_in(txtdir), album, lines_of(last));

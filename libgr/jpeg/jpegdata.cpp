@@ -18,6 +18,7 @@ std::error_code write_bytes(const libutils::bytes_t& bytes, const std::string& p
     if (failure) {
         return failure;
     }
+    file.begin_flush();
     return bytes.is_intact() ? file.commit() : make_error_code(std::errc::io_error);
 }
 

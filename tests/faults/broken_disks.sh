@@ -123,6 +123,18 @@ fail_turns() {
     echo "turns that fail"
 }
 
+# A size on another disk is copied there; what it is copied from stays until the copy is on the disk.
+flush_turned_copies() {
+    local copied=$album/size1/IMG_0001.JPG
+    rm -rf "$album"
+    cp -a "$place/unturned" "$album"
+    ends_with 0 failing "rename:EXDEV:1:/.taloram-turned-;fsync:NOTE:0:$copied;unlink:NOTE:0:/.taloram-turned-" \
+        "$bin/talomake" turn "$album" 90 IMG_0001.JPG
+    check grep -qx "fsync $copied" "$place/errors"
+    sed -n "/^unlink .*size1/,\$p" "$place/errors" | grep -qx "fsync $copied" && fail "removed before it was flushed"
+    echo "turned files on another disk"
+}
+
 # What can't be removed is named.
 fail_removals() {
     local part
@@ -173,5 +185,6 @@ stage_beside
 refuse_locks
 hide_what_is_there
 fail_turns
+flush_turned_copies
 fail_removals
 note_flushes
