@@ -3,18 +3,20 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <cerrno>
+
+#include "libutils/files/open_file.h"
+
 namespace libutils {
 
 namespace {
 
 std::error_code with_open(const std::string& path, int (*work)(int descriptor)) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
-    if (descriptor < 0) {
-        return last_error();
-    }
-    const std::error_code failure = work(descriptor) == 0 ? std::error_code() : last_error();
-    close(descriptor);
-    return failure == std::errc::invalid_argument ? std::error_code() : failure;
+    const open_file_t file(path);
+    const bool done = file.is_open() && work(file.descriptor()) == 0;
+    // Not every file system has something to flush in a directory.
+    const bool has_nothing = file.is_open() && errno == EINVAL;
+    return done || has_nothing ? std::error_code() : last_error();
 }
 
 }  // namespace
