@@ -3,7 +3,7 @@
 # Pages tell when they were made, and are compared without that line.
 
 # Also read by whoever sources this.
-export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=0} LC_ALL=C
+export ASAN_OPTIONS=${ASAN_OPTIONS:-detect_leaks=1} LC_ALL=C
 bin=$(cd "$1" && pwd)
 place=$(mktemp -d)
 mkdir "$place/home"

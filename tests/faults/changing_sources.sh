@@ -40,7 +40,7 @@ copies_open() {
     find "/proc/$job/fd" -lname '* (deleted)' 2>/dev/null | wc -l
 }
 
-# Starts an import and stops it while it copies the movie.
+# Starts an import and stops it before it comes to the victim.
 start_import() {
     local attempt
     for ((attempt = 0; attempt < 50; ++attempt)); do
@@ -51,7 +51,7 @@ start_import() {
             :
         done
         kill -STOP $job 2>/dev/null || true
-        if [ ! -e "$album/original/IMG_0001.JPG" ] && [ "$(copies_open)" -lt 2 ]; then
+        if [ ! -e "$album/original/IMG_0001.JPG" ] && [ "$(copies_open)" -lt 4 ]; then
             return 0
         fi
         kill -KILL $job 2>/dev/null || true

@@ -43,13 +43,11 @@ class failure_t(Exception):
     pass
 
 
-def environment(root):
-    sanitizer = os.environ.get("ASAN_OPTIONS", "detect_leaks=0")
-    return {**os.environ, "HOME": str(root / "home"), "LC_ALL": "C", "ASAN_OPTIONS": sanitizer, "TALORAM_JOBS": "1"}
-
-
-def run(root, command, before=()):
-    return subprocess.run([*before, *command], cwd=root, env=environment(root), capture_output=True)
+def run(root, command, tracer=()):
+    # What is traced can't look for its leaks.
+    sanitizer = os.environ.get("ASAN_OPTIONS", "") + (":detect_leaks=0" if tracer else "")
+    environment = {"HOME": str(root / "home"), "LC_ALL": "C", "ASAN_OPTIONS": sanitizer, "TALORAM_JOBS": "1"}
+    return subprocess.run([*tracer, *command], cwd=root, env={**os.environ, **environment}, capture_output=True)
 
 
 def need(root, *command):

@@ -122,7 +122,7 @@ class log_t:
         for line in lines:
             pid, time, call = line.rstrip("\n").split(None, 2)
             if call.endswith("<unfinished ...>"):
-                unfinished[pid] = call[:-len("<unfinished ...>")]
+                unfinished[pid] = call[:-len("<unfinished ...>")].rstrip()
                 clone = re.match(r"(clone3?|v?fork)\(", call)
                 if clone:  # its children may be seen before it returns
                     self.newest_parent = pid
@@ -255,7 +255,7 @@ class log_t:
         if held is None or held[0] not in self.files:
             return
         node = held[0]
-        last = re.search(r"(\d+)\)?$", arguments)
+        last = re.search(r"(\d+)$", arguments)
         if call == "lseek":
             held[1] = result
         elif call == "write":
