@@ -16,9 +16,9 @@
 #include "album/import/import_file.h"
 #include "album/make_album.h"
 #include "album/pages/book_index.h"
-#include "album/sums/checksum.h"
 #include "album/write_lock.h"
 #include "libutils/files/file_copy.h"
+#include "libutils/files/flush.h"
 #include "libutils/files/new_file.h"
 #include "libutils/files/system_path.h"
 
@@ -35,7 +35,7 @@ void mark_unfinished(const std::string& album) {
     const int file = open(unfinished_mark(album).c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666);
     if (file >= 0) {
         close(file);
-        static_cast<void>(flush_to_disk(album));
+        static_cast<void>(libutils::flush(album));
     }
 }
 
