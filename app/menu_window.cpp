@@ -4,6 +4,7 @@
 #include <iostream>
 
 #include "album/album_layout.h"
+#include "album/import/card_source.h"
 #include "album/shell_command.h"
 #include "album/texts/comment_store.h"
 #include "app/command_line.h"
@@ -20,10 +21,14 @@
 #include "talolib/message.h"
 #include "talolib/option.h"
 #include "toolkit/text_encoding.h"
+#include "toolkit/window_preferences.h"
 #include "widgets/browser.h"
+#include "widgets/folder_drop.h"
+#include "widgets/guide.h"
 #include "widgets/message_box.h"
 #include "widgets/raise_window.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -61,6 +66,7 @@ MenuWindow::MenuWindow(int argc, char** argv)
       program_name_(libutils::basename(argv[0])) {
     library_directory_ =
         libutils::directory_part(talolib::init_message(program_directory_.c_str(), program_name_.c_str()));
+    g_guide = program_directory_ + "guide.html";
     load_settings();
     initexif(program_directory_.c_str(), program_name_.c_str());
     apply_command_line();
@@ -68,6 +74,9 @@ MenuWindow::MenuWindow(int argc, char** argv)
     set_up_buttons();
     set_title(to_toolkit(talolib::make_title(getmsg(msg_program), getmsg(msg_program_purpose))));
     set_default_size(default_width, -1);
+    keep_size(*this, "main window");
+    add_quit_keys(*this);
+    accept_folder(*this, [this](const std::string& directory) { take_source(directory); });
     show_all_children();
     edit_button_.grab_focus();
     rows_.grab_focus(open_column);
@@ -98,6 +107,9 @@ void MenuWindow::apply_command_line() {
         talolib::trace(std::cout, g_global.from);
         talolib::trace(std::cout, g_global.album);
     }
+    if (!line.card.empty()) {
+        take_source(card_source(line.card));
+    }
 }
 
 void MenuWindow::pack_widgets() {
@@ -120,6 +132,12 @@ void MenuWindow::pack_widgets() {
     for (Gtk::Button* button : {&close_button_, &edit_button_, &option_button_, &browser_button_}) {
         button_row_.pack_end(*button, Gtk::PACK_SHRINK);
     }
+    button_row_.pack_start(help_menu_, Gtk::PACK_SHRINK);
+    source_label_.set_no_show_all();
+    source_label_.set_xalign(0);
+    source_label_.set_ellipsize(Pango::ELLIPSIZE_MIDDLE);
+    source_label_.set_margin_start(spacing);
+    button_row_.pack_start(source_label_);
     button_row_.set_margin_top(spacing);
     box_.pack_start(button_row_, Gtk::PACK_SHRINK);
     box_.set_border_width(border);
@@ -205,9 +223,27 @@ void MenuWindow::show_advice(e_message_local_t text) {
     table_.attach(advice_, 0, column_count, 0, 1);
 }
 
+void MenuWindow::take_source(const std::string& directory) {
+    if (!g_stored_paths.from) {
+        g_stored_paths.from = g_global.from;
+    }
+    g_global.from = directory;
+    source_ = directory;
+    show_source();
+}
+
+// Until another one is chosen in the options.
+void MenuWindow::show_source() {
+    const Glib::ustring text = message_text(msg_source_now) + " " + to_toolkit(source_);
+    source_label_.set_text(text);
+    source_label_.set_tooltip_text(text);
+    source_label_.set_visible(!source_.empty() && g_global.from == source_);
+}
+
 // An album directory that can't be listed is told in the list's place.
 void MenuWindow::refresh() {
     static_cast<void>(make_items());
+    show_source();
     show_all_children();
 }
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "album/book_entries.h"
+#include "app/help_menu.h"
 #include "messages/message.h"
 #include "widgets/row_table.h"
 
@@ -26,6 +27,9 @@ class MenuWindow : public Gtk::Window {
 
     // Lists the album directory anew. False when it can't be listed.
     [[nodiscard]] bool make_items();
+
+    // Takes new albums from this directory for as long as the program runs, and says so.
+    void take_source(const std::string& directory);
 
     void on_btn_clicked_run_browser();
     void on_btn_clicked_optionsetting();
@@ -46,6 +50,7 @@ class MenuWindow : public Gtk::Window {
     void show_items();
     void make_row(size_t index);
     void show_advice(e_message_local_t text);
+    void show_source();
     void table_size_allocate(Gdk::Rectangle& allocation);
 
     int argc_;
@@ -64,6 +69,9 @@ class MenuWindow : public Gtk::Window {
     entry_widths_t widths_;
     row_table_t rows_{scroller_, table_, [this](size_t index) { make_row(index); }};
     Gtk::HBox button_row_;
+    help_menu_t help_menu_{*this};
+    std::string source_;  // that was dropped on the window or given as a card; "" without one
+    Gtk::Label source_label_;
     Gtk::Button browser_button_;
     Gtk::Button option_button_;
     Gtk::Button edit_button_;

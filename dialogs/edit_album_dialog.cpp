@@ -14,10 +14,12 @@
 #include "libutils/files/system_path.h"
 #include "talolib/option.h"
 #include "toolkit/text_encoding.h"
+#include "toolkit/window_preferences.h"
 #include "widgets/message_box.h"
 #include "widgets/table_scroller.h"
 #include "widgets/thumbnail_grid.h"
 #include "widgets/thumbnails.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -72,6 +74,8 @@ EditAlbumDialog::EditAlbumDialog(Gtk::Window& parent, const std::string& album)
     add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
+    add_window_keys(*this);
+    keep_size(*this, "album editor");
     show_all_children();
 }
 

@@ -19,6 +19,7 @@
 #include "widgets/raise_window.h"
 #include "widgets/removal.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -82,6 +83,7 @@ void EditBookDialog::build() {
     add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
+    add_window_keys(*this);
 }
 
 void EditBookDialog::table_size_allocate(Gdk::Rectangle& allocation) {

@@ -10,6 +10,7 @@
 #include "settings/settings_file.h"
 #include "toolkit/text_encoding.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -82,6 +83,7 @@ GlobalOptionDialog::GlobalOptionDialog(Gtk::Window& parent, const char* progdir,
     add_button(Gtk::Stock::OK, Gtk::RESPONSE_OK);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
+    add_window_keys(*this);
     show_all_children();
 }
 

@@ -13,9 +13,11 @@
 #include "libutils/files/path.h"
 #include "talolib/option.h"
 #include "toolkit/window_preferences.h"
+#include "widgets/folder_drop.h"
 #include "widgets/raise_window.h"
 #include "widgets/single_line.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -73,6 +75,7 @@ MakeAlbumDialog::MakeAlbumDialog(Gtk::Window& parent, const std::string& from, c
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
     keep_size(*this, window_name);
+    add_window_keys(*this);
     show_all();
 }
 
@@ -156,6 +159,12 @@ void MakeAlbumDialog::connect() {
     };
     from_entry_.signal_activate().connect([this] { leave_from(nullptr); });
     from_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_from));
+    // A directory that is dropped on the entry is no text for it, and goes to the window.
+    from_entry_.drag_dest_unset();
+    accept_folder(*this, [this](const std::string& folder) {
+        from_entry_.set_text(from_.keep(folder));
+        list_source();
+    });
     invert_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_invert));
     update_button_.signal_clicked().connect(sigc::mem_fun(*this, &MakeAlbumDialog::button_update));
     new_button_.signal_clicked().connect([this] { files_.select_new(); });

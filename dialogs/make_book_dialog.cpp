@@ -17,6 +17,7 @@
 #include "toolkit/text_encoding.h"
 #include "widgets/message_box.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -79,6 +80,7 @@ void MakeBookDialog::build() {
     add_button(Gtk::Stock::APPLY, Gtk::RESPONSE_APPLY);
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(Gtk::RESPONSE_OK);
+    add_window_keys(*this);
 }
 
 std::string MakeBookDialog::get_bookdir() const {

@@ -8,6 +8,7 @@
 #include "libutils/diagnostics.h"
 #include "widgets/message_box.h"
 #include "widgets/table_scroller.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -39,6 +40,7 @@ TextInputDialog::TextInputDialog(Gtk::Window& parent, const std::string& album, 
     }
     add_button(Gtk::Stock::CANCEL, Gtk::RESPONSE_CANCEL);
     set_default_response(readonly ? Gtk::RESPONSE_CANCEL : Gtk::RESPONSE_OK);
+    add_window_keys(*this);
     show_all_children();
 }
 

@@ -13,6 +13,7 @@
 #include "toolkit/text_encoding.h"
 #include "widgets/browser.h"
 #include "widgets/message_box.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -37,7 +38,8 @@ void make_side_text(Gtk::Label& label) {
 ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
                                  const std::string& /*program_directory*/)
     : Gtk::Dialog("", parent, true), album_(album), progress_(*this) {
-    make_viewer_window(*this, parent, 1180, 700);
+    add_quit_keys(*this);
+    make_viewer_window(*this, parent, "album viewer", 1180, 700);
     static_cast<void>(end_begun_turns(album));
     list_files();
     texts_.load(album);

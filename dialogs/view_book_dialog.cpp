@@ -8,6 +8,7 @@
 #include "toolkit/text_encoding.h"
 #include "widgets/browser.h"
 #include "widgets/raise_window.h"
+#include "widgets/window_keys.h"
 
 namespace taloram {
 
@@ -22,7 +23,8 @@ enum column_t : guint { name_column, open_column, count_column, title_column, he
 
 ViewBookDialog::ViewBookDialog(Gtk::Window& parent, const std::string& book, const std::string& program_directory)
     : Gtk::Dialog("", parent, true), book_(book), program_directory_(program_directory) {
-    make_viewer_window(*this, parent, 900, 600);
+    add_quit_keys(*this);
+    make_viewer_window(*this, parent, "book viewer", 900, 600);
     texts_.load(book);
     set_title(texts_.title.get_text());
 

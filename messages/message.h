@@ -144,7 +144,6 @@ enum e_message_local_t : talolib::e_message_t {
     msg_no_trash = 133,  // a reason follows
     msg_guide = 134,
     msg_source_now = 135,  // a directory follows
-    msg_progress_compare = 136,
 
     // colour: 137 to 144
 

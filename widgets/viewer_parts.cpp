@@ -9,6 +9,7 @@
 #include "libutils/text/text.h"
 #include "toolkit/display.h"
 #include "toolkit/text_encoding.h"
+#include "toolkit/window_preferences.h"
 
 namespace taloram {
 
@@ -58,13 +59,14 @@ Gtk::Widget& scrolled_text(Gtk::Label& label) {
     return *scroller;
 }
 
-void make_viewer_window(Gtk::Dialog& dialog, Gtk::Window& parent, int width, int height) {
+void make_viewer_window(Gtk::Dialog& dialog, Gtk::Window& parent, const char* name, int width, int height) {
     const Gdk::Rectangle area = work_area(parent);
     // As an ordinary window it has buttons to make it larger, and may cover the whole screen.
     dialog.set_type_hint(Gdk::WINDOW_TYPE_HINT_NORMAL);
     dialog.set_resizable();
     dialog.set_default_size(std::min(width, area.get_width() - window_decoration),
                             std::min(height, area.get_height() - window_decoration));
+    keep_size(dialog, name);
     dialog.set_border_width(6);
 }
 

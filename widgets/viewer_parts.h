@@ -25,7 +25,7 @@ struct viewer_texts_t {
 [[nodiscard]] Gtk::Widget& scrolled_text(Gtk::Label& label);
 
 // A window that the window manager lets the user resize, at first as large as the screen has room for, up to
-// width x height pixels.
-void make_viewer_window(Gtk::Dialog& dialog, Gtk::Window& parent, int width, int height);
+// width x height pixels, later as it was left; `name` is that of its preferences.
+void make_viewer_window(Gtk::Dialog& dialog, Gtk::Window& parent, const char* name, int width, int height);
 
 }  // namespace taloram

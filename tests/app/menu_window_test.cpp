@@ -10,6 +10,7 @@
 #include "tests/support/fixtures.h"
 #include "tests/support/photo_maker.h"
 #include "toolkit/text_encoding.h"
+#include "widgets/guide.h"
 
 namespace {
 
@@ -138,6 +139,58 @@ TEST_F(MainWindow, TakesPathsFromTheCommandLineForOneRun) {
     EXPECT_EQ(g_global.from, "/mnt/stored") << "the entry was left alone";
     EXPECT_EQ(g_global.album, dir_ / "chosen");
     g_stored_paths = {};
+}
+
+TEST_F(MainWindow, TakesASourceThatIsDroppedOrPluggedIn) {
+    for (const char* name : {"DCIM/100A", "DCIM/101B", "DCIM/102EMPTY"}) {
+        std::filesystem::create_directories(dir_ / name);
+    }
+    write_file(dir_ / "DCIM/100A/1.JPG", std::string());
+    write_file(dir_ / "DCIM/101B/a b.MOV", std::string());
+    const std::string stored = g_global.from;
+    open({"--card", dir_.path()})->show();
+    EXPECT_EQ(g_global.from, dir_ / "DCIM/101B");
+    struct case_t {
+        std::string dropped;
+        std::string source;
+    };
+    for (const case_t& c : {case_t{dir_ / "DCIM", dir_ / "DCIM"}, {dir_ / "DCIM/101B/a b.MOV", dir_ / "DCIM/101B"}}) {
+        drop(*window_, c.dropped);
+        EXPECT_EQ(g_global.from, c.source);
+        EXPECT_TRUE(shows_text(*window_, message_text(msg_source_now) + " " + c.source));
+    }
+    saveini("", "taloram");
+    EXPECT_TRUE(loadini("", "taloram"));
+    EXPECT_EQ(g_global.from, stored) << "it was for this run";
+    g_stored_paths = {};
+}
+
+TEST_F(MainWindow, TakesTheKeysOfEveryWindow) {
+    make_entry("1 album", "An album", "1\n");
+    make_entry("2 book", "A book", "");
+    make_entry("2 book/3 album", "Below", "1\n");
+    MenuWindow& window = *open();
+    window.show();
+    on_next_dialog([](Gtk::Dialog& album) { press_key(album, GDK_KEY_w, GDK_CONTROL_MASK); });
+    click(window, "Photos");
+    EXPECT_TRUE(window.get_visible());
+
+    g_guide = dir_ / "guide.html";
+    answer_next(message_text(msg_not_opened) + "\n" + g_guide, "OK");
+    press_key(window, GDK_KEY_F1);
+    on_next_dialog([](Gtk::Dialog& about) {
+        EXPECT_TRUE(shows_text(about, TALORAM_VERSION));
+        press_key(about, GDK_KEY_Escape);
+    });
+    auto* const menu = dynamic_cast<Gtk::MenuButton*>(find_button(window, "Help"));
+    ASSERT_NE(menu, nullptr);
+    dynamic_cast<Gtk::MenuItem*>(menu->get_popup()->get_children().back())->activate();
+
+    // From the innermost window, out of all.
+    on_next_dialog([](Gtk::Dialog& book) { click(book, "Photos"); });
+    on_next_dialog([](Gtk::Dialog& album) { press_key(album, GDK_KEY_Q, GDK_CONTROL_MASK); });
+    click(window, "Open Book");
+    wait_until([&window] { return !window.get_visible(); });
 }
 
 TEST_F(MainWindow, FirstStartAsksForTheOptions) {

@@ -32,6 +32,16 @@ std::pair<int, int> picture_size(Gtk::Widget& top, size_t index = 0) {
     return pixels ? std::pair(pixels->get_width(), pixels->get_height()) : std::pair(0, 0);
 }
 
+TEST(MakeAlbumDialog, takes_from_where_a_dropped_file_lies) {
+    const temp_dir_t card;
+    write_file(card / "B.MOV", std::string("movie"));
+    Gtk::Window window;
+    const std::string book = "/no book";
+    MakeAlbumDialog dialog(window, "/nowhere", book);
+    drop(dialog, card / "B.MOV");
+    EXPECT_EQ(card.path(), dialog.get_from());
+}
+
 TEST(MakeAlbumDialog, lists_turns_and_selects) {
     const temp_dir_t card;
     const temp_dir_t empty;

@@ -108,10 +108,11 @@ void click(Gtk::Widget& top, const Glib::ustring& label) {
     button->clicked();
 }
 
-void press_key(Gtk::Window& window, guint keyval) {
+void press_key(Gtk::Window& window, guint keyval, GdkModifierType held) {
     GdkEvent* event = gdk_event_new(GDK_KEY_PRESS);
     event->key.window = GDK_WINDOW(g_object_ref(window.get_window()->gobj()));
     event->key.keyval = keyval;
+    event->key.state = held;
     GdkKeymapKey* keys = nullptr;
     gint count = 0;
     if (gdk_keymap_get_entries_for_keyval(gdk_keymap_get_for_display(window.get_display()->gobj()), keyval, &keys,
@@ -122,6 +123,15 @@ void press_key(Gtk::Window& window, guint keyval) {
     gdk_event_set_device(event, window.get_display()->get_default_seat()->get_keyboard()->gobj());
     gtk_main_do_event(event);
     gdk_event_free(event);
+}
+
+void drop(Gtk::Widget& widget, const std::string& path) {
+    const Glib::ustring uri = Glib::filename_to_uri(path);
+    const auto clipboard = Gtk::Clipboard::get();
+    const auto put = [&uri](Gtk::SelectionData& data, guint /*info*/) { data.set_uris({uri}); };
+    clipboard->set({Gtk::TargetEntry("text/uri-list")}, put, [] {});
+    const Gtk::SelectionData data = clipboard->wait_for_contents("text/uri-list");
+    g_signal_emit_by_name(widget.gobj(), "drag-data-received", nullptr, 0, 0, data.gobj(), 0, 0);
 }
 
 void on_next_dialog(std::function<void(Gtk::Dialog&)> action) {

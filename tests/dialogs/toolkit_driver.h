@@ -38,7 +38,10 @@ void click(Gtk::Widget& top, const Glib::ustring& label);
 [[nodiscard]] bool shows_lines(Gtk::Widget& top, const Glib::ustring& first);
 
 // Sends a key to what has the focus in `window`, shortcuts and default button included.
-void press_key(Gtk::Window& window, guint keyval);
+void press_key(Gtk::Window& window, guint keyval, GdkModifierType held = {});
+
+// Drops a file or directory on a widget, as a file manager does.
+void drop(Gtk::Widget& widget, const std::string& path);
 
 // Queues `action` for a dialog that will wait for its user: one that is newly shown, or one whose turn it is again
 // after another was answered. Actions run in the order they were queued, also in loops nested in other actions; those

@@ -36,6 +36,24 @@ check_desktop() {
     done
 }
 
+# The link beside the programs leads to the page, and the page to its pictures and to its own headings.
+check_guide() {
+    local guide pictures picture
+    guide=$(realpath "$prefix/lib/taloram/guide.html")
+    test -s "$guide" || {
+        echo "skipped: no guide.html, see the package lowdown"
+        return 0
+    }
+    pictures=$(grep -oE '(src|rel="stylesheet" href)="[^"]*"' "$guide" | sed 's/.*="//; s/"//')
+    [ "$(wc -l <<<"$pictures")" -ge 10 ] || fail "$guide has no pictures"
+    for picture in $pictures; do
+        test -s "${guide%/*}/$picture" || fail "$guide lacks $picture"
+    done
+    for picture in $(grep -oE 'href="#[^"]*"' "$guide" | sed 's/.*#//; s/"//'); do
+        grep -qF "id=\"$picture\"" "$guide" || fail "$guide has no heading $picture"
+    done
+}
+
 check_manuals() {
     has_tool man man-db || return 0
     local page warnings
@@ -92,6 +110,7 @@ check_manual_page() {
 }
 
 check_desktop
+check_guide
 check_manuals
 check_version
 check_completion

@@ -94,6 +94,7 @@ start_windows() {
     if command -v gio >/dev/null; then
         export XDG_DATA_DIRS=$prefix/share:/usr/local/share:/usr/share
         start_window "by the desktop entry" ja_JP.utf8 写真アルバム gio launch "$prefix/share/applications/taloram.desktop"
+        start_window "for a card" ja_JP.UTF-8 写真アルバム gio launch "$prefix/share/applications/taloram-card.desktop" "$place"
     else
         echo "skipped: gio is missing, see the package libglib2.0-bin"
     fi
