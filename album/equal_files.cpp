@@ -9,25 +9,24 @@
 
 namespace taloram {
 
-void equal_files_t::add(const std::string& path, uint64_t length) {
-    by_length_[length].unread.push_back({count_++, path});
-}
-
 std::vector<size_t> equal_files_t::like(const std::string& path, uint64_t length) {
-    const auto equally_long = by_length_.find(length);
-    if (equally_long == by_length_.end()) {
-        return {};
+    std::vector<size_t> found;
+    const auto [begin, end] = by_length_.equal_range(length);
+    const std::optional<uint64_t> wanted = begin == end ? std::nullopt : hash_of_edges(path);
+    if (!wanted) {
+        return found;
     }
-    auto& [unread, by_hash] = equally_long->second;
-    for (const unread_t& file : unread) {
-        if (const std::optional<uint64_t> hash = hash_of_edges(file.path)) {
-            by_hash[*hash].push_back(file.number);
+    for (auto entry = begin; entry != end; ++entry) {
+        auto& [number, is_read, hash] = entry->second;
+        if (!is_read) {
+            hash = hash_of_edges(path_of_(number));
+            is_read = true;
+        }
+        if (hash == wanted) {
+            found.push_back(number);
         }
     }
-    unread.clear();
-    const std::optional<uint64_t> wanted = hash_of_edges(path);
-    const auto found = wanted ? by_hash.find(*wanted) : by_hash.end();
-    return found == by_hash.end() ? std::vector<size_t>() : found->second;
+    return found;
 }
 
 std::optional<uint64_t> equal_files_t::hash_of_edges(const std::string& path) {

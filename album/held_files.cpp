@@ -12,9 +12,9 @@ bool find_held_files(const std::string& srcdir, const std::vector<std::string>& 
                      const held_file_t& found) {
     std::vector<book_file_t> files;
     const bool is_whole = list_book_files(files, book);
-    equal_files_t contents;
+    equal_files_t contents([&files](size_t number) { return files[number].path(); });
     for (const book_file_t& file : files) {
-        contents.add(file.path(), file.length);
+        contents.add(file.length);
     }
     for (size_t i = 0; i < names.size(); ++i) {
         const std::string path = entry_path(srcdir, names[i]);

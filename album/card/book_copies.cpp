@@ -11,19 +11,19 @@
 namespace taloram {
 
 bool book_copies_t::load(const std::string& book, const std::vector<std::string>& cards) {
-    std::vector<book_file_t> files;
-    const bool is_whole = list_book_files(files, book);
+    const bool is_whole = list_book_files(files_, book);
     std::map<std::string, bool> lies_on_card;
-    for (book_file_t& file : files) {
+    std::erase_if(files_, [&](const book_file_t& file) {
         const std::string directory = entry_path(file.album, file.kind);
         const auto [found, is_new] = lies_on_card.try_emplace(directory);
         if (is_new) {
             found->second = std::any_of(cards.begin(), cards.end(),
                                         [&](const std::string& card) { return is_entangled(card, directory); });
         }
-        if (!found->second) {
-            add(std::move(file));
-        }
+        return found->second;
+    });
+    for (const book_file_t& file : files_) {
+        contents_.add(file.length);
     }
     held_ = files_.size();
     return is_whole;
@@ -38,7 +38,7 @@ std::set<std::string> book_copies_t::albums() const {
 }
 
 void book_copies_t::add(book_file_t file) {
-    contents_.add(file.path(), file.length);
+    contents_.add(file.length);
     files_.push_back(std::move(file));
 }
 

@@ -15,7 +15,11 @@ namespace taloram {
 // What a book holds, to be compared with the files of cards.
 class book_copies_t {
   public:
-    explicit book_copies_t(noted_sums_t& sums) : sums_(sums) {}
+    explicit book_copies_t(noted_sums_t& sums)
+        : sums_(sums), contents_([this](size_t index) { return files_[index].path(); }) {}
+    ~book_copies_t() = default;
+    book_copies_t(const book_copies_t&) = delete;
+    book_copies_t& operator=(const book_copies_t&) = delete;
 
     // Lists the files of a book; what a link leads to on one of the cards is no copy. False, after a report, when
     // a directory of the book can't be listed.

@@ -152,17 +152,18 @@ void importer_t::import_new() {
     bool is_first = true;
     while (!pending.empty()) {
         std::vector<size_t> deferred;
-        equal_files_t planned;
+        std::vector<size_t> numbered;
+        equal_files_t planned([&](size_t number) { return result_.files[numbered[number]].file.path(); });
         groups_.clear();
         for (size_t i = 0; i < pending.size(); ++i) {
             card_entry_t& entry = result_.files[pending[i]];
             find_copy(pending[i]);
             if (entry.fate == card_fate_t::missing) {
-                const std::string path = entry.file.path();
-                if (!planned.like(path, entry.file.length).empty()) {
+                if (!planned.like(entry.file.path(), entry.file.length).empty()) {
                     deferred.push_back(pending[i]);
                 } else {
-                    planned.add(path, entry.file.length);
+                    planned.add(entry.file.length);
+                    numbered.push_back(pending[i]);
                     plan(pending[i]);
                 }
             }
