@@ -1,6 +1,8 @@
 #include "album/album_update.h"
 
+#include <algorithm>
 #include <list>
+#include <tuple>
 
 #include "album/album_walk.h"
 #include "album/engine_step.h"
@@ -46,33 +48,39 @@ class watched_update_t {
     watched_update_t(const std::vector<files_t>& files, const std::string& album) : files_(files), album_(album) {}
 
     [[nodiscard]] update_result_t run(progress_signals_t& progress) {
-        if (step_done(make_sizes(progress.sizes), "shrinkupdate") &&
-            step_done(watched(progress.pages, makehtml), "makehtml") &&
-            step_done(watched(progress.zoom_pages, makehtmlzoom), "makehtmlzoom")) {
-            return {};
+        const bool made = make_sizes(progress);
+        const bool is_done = (failure_.stopped || step_done(made, "shrinkupdate")) &&
+                             step_done(watched(progress, progress.pages, makehtml), "makehtml") &&
+                             step_done(watched(progress, progress.zoom_pages, makehtmlzoom), "makehtmlzoom");
+        if (!is_done && failure_.reason.empty()) {
+            failure_.reason = heard_.line();
         }
-        return failure_.reason.empty() ? update_failure_t{"", heard_.line()} : failure_;
+        return is_done && !failure_.stopped ? update_result_t() : failure_;
     }
 
   private:
     template <class step_t>
-    bool watched(progress_t& progress, const step_t& step) {
+    bool watched(progress_signals_t& progress, progress_t& stage, const step_t& step) {
         heard_.clear();
         // What was told of a file that is done was no reason.
         progress_t done;
         done.connect([&](double fraction) {
             heard_.clear();
-            progress.emit(fraction);
+            stage.emit(fraction);
+            if (&stage != &progress.sizes) {
+                std::ignore = progress.goes_on();  // holds; pages are written to their end
+            }
         });
         return step(album_, done);
     }
 
-    bool make_sizes(progress_t& progress) {
-        return watched(progress, [this](const std::string& album, progress_t& done) {
-            return shrinkupdate(files_, album, done, [this](const files_t& file) {
-                failure_ = {original_path(album_, file.filename), heard_.line()};
-                return false;
-            });
+    bool make_sizes(progress_signals_t& progress) {
+        const auto failed = [this](const files_t& file) {
+            failure_ = {original_path(album_, file.filename), heard_.line()};
+            return false;
+        };
+        return watched(progress, progress.sizes, [&](const std::string& album, progress_t& done) {
+            return shrinkupdate(files_, album, done, failed, lasting_goes_on(progress, failure_.stopped));
         });
     }
 
@@ -127,7 +135,13 @@ update_result_t update_all(const std::string& path, const update_options_t& opti
         heard.clear();
         return is_done;
     };
+    bool stopped = false;
+    std::vector<std::string> updated;
     const auto update = [&](const std::string& album) {
+        if (stopped) {
+            return true;
+        }
+        updated.push_back(album);
         write_lock_t lock;
         std::vector<files_t> files;
         if (!lock_album(lock, album) || !list_originals(files, album) ||
@@ -135,9 +149,17 @@ update_result_t update_all(const std::string& path, const update_options_t& opti
             return note(false);
         }
         const update_result_t failure = update_album(files, album, progress);
+        stopped = failure && failure->stopped;
         return note(!failure, failure);
     };
+    const auto lies_above_updated = [&](const std::string& book) {
+        return std::any_of(updated.begin(), updated.end(),
+                           [&](const std::string& album) { return album.starts_with(entry_path(book, "")); });
+    };
     const auto update_book = [&](const std::string& book) {
+        if (stopped && !lies_above_updated(book)) {
+            return true;
+        }
         // It may have become an album while its import was waited for.
         write_lock_t lock;
         if (!lock_album(lock, book)) {
@@ -150,6 +172,9 @@ update_result_t update_all(const std::string& path, const update_options_t& opti
         return note(update_book_page(book));
     };
     static_cast<void>(note(visit_albums(path, {update, update_book}).succeeded));
+    if (stopped) {
+        first->stopped = true;
+    }
     return first;
 }
 

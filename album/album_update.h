@@ -16,8 +16,9 @@ struct update_options_t {
 
 // What an update failed at first.
 struct update_failure_t {
-    std::string file;    // path of the original, "" when it was no photograph's fault
-    std::string reason;  // the innermost line that was reported about it
+    std::string file;      // path of the original, "" when it was no photograph's fault
+    std::string reason;    // the innermost line that was reported about it
+    bool stopped = false;  // by the caller; a reason then tells what failed before or behind it
 };
 
 // Nothing when all was done.
@@ -28,6 +29,7 @@ using update_result_t = std::optional<update_failure_t>;
 [[nodiscard]] bool updatealbum(const std::vector<files_t>& files, const std::string& album, progress_t& copyprogress,
                                progress_t& shrinkprogress, progress_t& htmlprogress, progress_t& zoomprogress);
 
+// The same. Stopped by the caller, the photographs that were worked on have all their sizes, and the pages are written.
 [[nodiscard]] update_result_t update_album(const std::vector<files_t>& files, const std::string& album,
                                            progress_signals_t& progress);
 
@@ -37,7 +39,8 @@ using update_result_t = std::optional<update_failure_t>;
 [[nodiscard]] bool batchupdate(const std::string& path, progress_t& copyprogress, progress_t& shrinkprogress,
                                progress_t& htmlprogress, progress_t& zoomprogress);
 
-// The same; what is left of photographs whose original is gone is treated before an album's pages are written.
+// The same; after a stop the books above the albums that were worked on still get their pages. What is left of
+// photographs whose original is gone is treated before an album's pages are written.
 [[nodiscard]] update_result_t update_all(const std::string& path, const update_options_t& options,
                                          progress_signals_t& progress);
 

@@ -44,7 +44,7 @@ std::vector<std::string> texts_not_wanted(const album_order_t& order) {
 
 class maker_t {
   public:
-    explicit maker_t(const album_order_t& order) : order_(order) {
+    maker_t(const album_order_t& order, progress_signals_t& progress) : order_(order), progress_(progress) {
         const std::vector<std::string> others = texts_not_wanted(order);
         for (const files_t& file : order.files) {
             const bool is_other = std::find(others.begin(), others.end(), file.filename) != others.end();
@@ -58,21 +58,23 @@ class maker_t {
     }
 
     // Who wrote to the album until the lock was taken may have brought files that are in the way.
-    [[nodiscard]] bool make(progress_signals_t& progress) {
+    [[nodiscard]] bool make() {
         const bool is_new = !is_exist(order_.album);
         return (!is_new || check()) && done(album_step_t::directory, make_directory()) &&
                done(album_step_t::lock, lock_album(lock_, order_.album)) && check() && warn() &&
-               done(album_step_t::texts, save_texts()) && done(album_step_t::import, import(progress)) &&
+               done(album_step_t::texts, save_texts()) && done(album_step_t::import, import()) &&
                done(album_step_t::book_page, rewrite_book());
     }
 
     [[nodiscard]] const album_result_t& result() const { return result_; }
 
   private:
+    // What a stopped step found out means nothing.
     bool done(album_step_t step, bool is_done) {
-        if (!is_done) {
+        if (!is_done || result_.stopped) {
             result_.refused = step;
-            result_.reason = result_.import.failed ? result_.import.reason : heard_.line();
+            result_.reason = result_.import.failed ? result_.import.reason : result_.stopped ? "" : heard_.line();
+            is_done = false;
         }
         heard_.clear();
         return is_done;
@@ -95,7 +97,10 @@ class maker_t {
         }
         const bool replaces = order_.replace == replace_t::files;
         if (!replaces) {
-            conflicts = find_conflicts(order_.source, files_, order_.album);
+            conflicts = find_conflicts(order_.source, files_, order_.album, goes_on_);
+        }
+        if (result_.stopped) {
+            return false;
         }
         for (const std::string& path : conflicts) {
             libutils::report(libutils::printable(path), ": there already, with other contents.");
@@ -106,7 +111,7 @@ class maker_t {
                 libutils::report(libutils::printable(path), ": ", what);
             }
         };
-        const bool keeps = keeps_sums(order_.source, files_, order_.album, replaces, add_once);
+        const bool keeps = keeps_sums(order_.source, files_, order_.album, replaces, add_once, goes_on_);
         return conflicts.empty() && keeps;
     }
 
@@ -120,8 +125,8 @@ class maker_t {
     }
 
     [[nodiscard]] bool has_room() {
-        result_.missing_room = missing_room(order_.source, files_, order_.album);
-        if (!result_.missing_room.empty()) {
+        result_.missing_room = missing_room(order_.source, files_, order_.album, goes_on_);
+        if (!result_.stopped && !result_.missing_room.empty()) {
             libutils::report(order_.album, ": ", result_.missing_room, " more free space is needed for this import.");
         }
         return result_.missing_room.empty();
@@ -167,8 +172,12 @@ class maker_t {
             "savecommenttxt");
     }
 
-    [[nodiscard]] bool import(progress_signals_t& progress) {
-        result_.import = import_album(order_.source, files_, order_.album, order_.options, progress);
+    [[nodiscard]] bool import() {
+        result_.import = import_album(order_.source, files_, order_.album, order_.options, progress_);
+        result_.stopped = result_.import.stopped;
+        if (result_.stopped && !rewrite_book() && result_.import.reason.empty()) {
+            result_.import.reason = heard_.line();
+        }
         return result_.import.is_done();
     }
 
@@ -183,7 +192,9 @@ class maker_t {
     const album_order_t& order_;
     std::vector<files_t> files_;       // of the order, to be imported
     std::vector<files_t> left_texts_;  // of the order, not to be imported
+    progress_signals_t& progress_;
     album_result_t result_;
+    libutils::goes_on_t goes_on_ = lasting_goes_on(progress_, result_.stopped);
     libutils::first_report_t heard_;
     write_lock_t lock_;
 };
@@ -208,14 +219,19 @@ bool is_unfit_source(const std::string& source, const std::string& album) {
 }
 
 album_result_t check_album_order(const album_order_t& order) {
-    maker_t maker(order);
+    progress_signals_t unseen;
+    return check_album_order(order, unseen);
+}
+
+album_result_t check_album_order(const album_order_t& order, progress_signals_t& progress) {
+    maker_t maker(order, progress);
     static_cast<void>(maker.check());
     return maker.result();
 }
 
 album_result_t make_album(const album_order_t& order, progress_signals_t& progress) {
-    maker_t maker(order);
-    static_cast<void>(maker.make(progress));
+    maker_t maker(order, progress);
+    static_cast<void>(maker.make());
     return maker.result();
 }
 

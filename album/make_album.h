@@ -53,6 +53,7 @@ enum class album_step_t {
 struct album_result_t {
     std::optional<album_step_t> refused;  // the step that failed, those before it are done; empty: the album is made
     std::string reason;                   // the innermost line that was reported about it
+    bool stopped = false;                 // in that step, by the caller; no reason then, unless the import has one
     std::vector<std::string> conflicts;   // paths of the files that differ
     std::vector<clash_t> clashes;
     std::string missing_room;  // such as "1.5 GiB"
@@ -65,10 +66,11 @@ struct album_result_t {
 [[nodiscard]] bool is_unfit_source(const std::string& source, const std::string& album);
 
 // The steps that only look, up to the one about room: for a window that asks before it closes. Nothing is written.
+[[nodiscard]] album_result_t check_album_order(const album_order_t& order, progress_signals_t& progress);
 [[nodiscard]] album_result_t check_album_order(const album_order_t& order);
 
 // Makes the album while no other program writes to it. Each failure is reported as a trace of lines, from the innermost
-// step to the outermost; what was done so far stays.
+// step to the outermost; what was done so far stays. After a stop the book's page tells of it.
 [[nodiscard]] album_result_t make_album(const album_order_t& order, progress_signals_t& progress);
 
 }  // namespace taloram

@@ -3,10 +3,12 @@
 #include <sigc++/sigc++.h>
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "album/album_layout.h"
+#include "libutils/process/goes_on.h"
 
 namespace taloram {
 
@@ -15,7 +17,10 @@ enum class stage_t { copy, verify, sizes, pages, zoom_pages };
 
 constexpr stage_t all_stages[] = {stage_t::copy, stage_t::verify, stage_t::sizes, stage_t::pages, stage_t::zoom_pages};
 
-// What a long operation tells while it runs, on the caller's thread. Copies share the connected handlers.
+// What whoever called the engine wants of the work that goes on.
+enum class wish_t { go_on, hold, stop };
+
+// What a long operation tells, and asks, while it runs, on the caller's thread. Copies share the connected handlers.
 struct progress_signals_t {
     progress_t copy;
     progress_t verify;
@@ -25,6 +30,17 @@ struct progress_signals_t {
 
     // Work on an album or a book begins, given as its path; the stages count `files` from now on, of a book none.
     sigc::signal<void, const std::string&, const std::vector<files_t>&> begun;
+
+    // Asked before each photograph or other file, between the blocks of a large one, and some twenty times a second
+    // while the engine holds or waits for its workers. Empty: it goes on.
+    //
+    // After a stop nothing stands half done under a final name, what is done stays, the pages are those of what is
+    // there, no lock is held, and the same call completes the work; the result says that it was stopped. While pages
+    // are written it is too late: the work then comes to its end. The lists of results tell more.
+    std::function<wish_t()> wish = nullptr;
+
+    // Asks, and waits for as long as the work is to hold. False when it is to stop.
+    [[nodiscard]] bool goes_on() const;
 
     [[nodiscard]] progress_t& of(stage_t stage) {
         switch (stage) {
@@ -42,5 +58,9 @@ struct progress_signals_t {
         return zoom_pages;
     }
 };
+
+// The wish for steps that only know whether to go on; after the first stop `stopped` is true and nobody is asked again.
+// Both must live as long as what is returned.
+[[nodiscard]] libutils::goes_on_t lasting_goes_on(const progress_signals_t& progress, bool& stopped);
 
 }  // namespace taloram

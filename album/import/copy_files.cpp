@@ -62,9 +62,9 @@ bool has_date_of(const struct stat& status, const std::string& source) {
 
 // The copy of an earlier import stays when it has the source's date or can be given it. Another name of the file may be
 // another album's, which keeps its date.
-bool can_stay(const import_file_t& file) {
+bool can_stay(const import_file_t& file, const libutils::goes_on_t& asked) {
     struct stat status {};
-    return has_same_copy(file) && stat(file.destination.c_str(), &status) == 0 &&
+    return has_same_copy(file, asked) && stat(file.destination.c_str(), &status) == 0 &&
            (has_date_of(status, file.source) ||
             (status.st_nlink == 1 && !libutils::copy_date(file.source, file.destination)));
 }
@@ -78,21 +78,21 @@ struct copy_t {
 };
 
 // All the bytes, compared with their source; the disk has begun with them.
-std::error_code write_copy(copy_t& copy) {
+std::error_code write_copy(copy_t& copy, const libutils::goes_on_t& asked) {
     libutils::new_file_t& bytes = *copy.bytes;
     if (const std::error_code failure = bytes.open()) {
         return failure;
     }
-    if (const std::error_code failure = libutils::copy_file(copy.where.source, bytes.current_path())) {
+    if (const std::error_code failure = libutils::copy_file(copy.where.source, bytes.current_path(), asked)) {
         return failure;
     }
     bytes.begin_flush();
-    return libutils::same_contents(copy.where.source.c_str(), bytes.current_path().c_str())
+    return libutils::same_contents(copy.where.source.c_str(), bytes.current_path().c_str(), asked)
                ? std::error_code()
                : make_error_code(std::errc::io_error);
 }
 
-std::error_code make_copy(copy_t& copy, const std::string& album) {
+std::error_code make_copy(copy_t& copy, const std::string& album, const libutils::goes_on_t& asked) {
     const std::string& name = copy.file->filename;
     const import_file_t& where = copy.where;
     if (!is_plain_name(name)) {
@@ -101,14 +101,14 @@ std::error_code make_copy(copy_t& copy, const std::string& album) {
     if (const std::error_code failure = check_names(where, name, album)) {
         return failure;
     }
-    if (where.in_place ? is_exist(where.source) : can_stay(where)) {
+    if (where.in_place ? is_exist(where.source) : can_stay(where, asked)) {
         return is_photo(name) ? remove_reduced_sizes(album, name) : std::error_code();
     }
     if (where.in_place) {
         return make_error_code(std::errc::no_such_file_or_directory);
     }
     copy.bytes = std::make_unique<libutils::new_file_t>(where.destination, libutils::staging_t::above);
-    return write_copy(copy);
+    return write_copy(copy, asked);
 }
 
 // The copy takes the place of the destination in one step: the name never stands for a half-written file, and another
@@ -133,12 +133,19 @@ std::error_code put_in_place(copy_t& copy, const std::string& album) {
 // waits for each waits for the disk all the time.
 class copies_t {
   public:
-    copies_t(const std::string& album, const failed_copy_t& failed) : album_(album), failed_(failed) {}
+    copies_t(const std::string& album, const copy_watch_t& watch) : album_(album), watch_(watch) {}
 
-    // False when a failure ends the import.
+    // False when a failure or a stop ends the import. What was copied by a stop is whole and gets its name.
     [[nodiscard]] bool add(const std::string& srcdir, const files_t& file) {
         copy_t copy{&file, locate_import(srcdir, file.filename, album_), nullptr, {}};
-        copy.failure = make_copy(copy, album_);
+        if (libutils::goes_on(watch_.goes_on)) {
+            copy.failure = make_copy(copy, album_, watch_.goes_on);
+        }
+        if (!libutils::goes_on(watch_.goes_on)) {
+            copy.bytes.reset();
+            static_cast<void>(put_in_place());
+            return false;
+        }
         const bool is_failed = static_cast<bool>(copy.failure);
         waiting_.push_back(std::move(copy));
         return is_failed ? put_in_place() : waiting_.size() < most_waiting || put_in_place(most_waiting / 2);
@@ -164,10 +171,13 @@ class copies_t {
             if (copy.bytes && !copy.failure) {
                 copy.failure = taloram::put_in_place(copy, album_);
             }
+            if (copy.bytes && !copy.failure) {
+                watch_.copied(*copy.file);
+            }
             copy.bytes.reset();
             if (copy.failure) {
                 copy_failed(copy.where.destination);
-                if (!failed_(*copy.file, copy.failure)) {
+                if (!watch_.failed(*copy.file, copy.failure)) {
                     return false;
                 }
             }
@@ -176,7 +186,7 @@ class copies_t {
     }
 
     const std::string& album_;
-    const failed_copy_t& failed_;
+    const copy_watch_t& watch_;
     std::vector<copy_t> waiting_;
 };
 
@@ -188,12 +198,12 @@ bool copy_failed(const std::string& destination) {
 }
 
 bool copy_files(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                progress_t& progress, const failed_copy_t& failed) {
+                progress_t& progress, const copy_watch_t& watch) {
     libutils::mkdir(entry_path(album, layout::original).c_str());
     if (std::any_of(files.begin(), files.end(), [](const files_t& file) { return is_movie(file.filename); })) {
         libutils::mkdir(entry_path(album, layout::movie).c_str());
     }
-    copies_t copies(album, failed);
+    copies_t copies(album, watch);
     for (size_t i = 0; i < files.size(); ++i) {
         talolib::trace(std::cout, files[i].filename);
         if (!copies.add(srcdir, files[i])) {
@@ -206,7 +216,8 @@ bool copy_files(const std::string& srcdir, const std::vector<files_t>& files, co
 
 bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                progress_t& progress) {
-    return copy_files(srcdir, files, album, progress, [](const files_t&, const std::error_code&) { return false; });
+    return copy_files(srcdir, files, album, progress,
+                      {[](const files_t&, const std::error_code&) { return false; }, [](const files_t&) {}, {}});
 }
 
 }  // namespace taloram

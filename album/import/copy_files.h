@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "album/album_layout.h"
+#include "libutils/process/goes_on.h"
 
 // The first step of an import: the files of the card into the album.
 namespace taloram {
@@ -19,11 +20,20 @@ namespace taloram {
 [[nodiscard]] bool copyfiles(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
                              progress_t& progress);
 
-// Gets a file that was not copied, after its line, and why; true when the others are to be copied all the same.
-using failed_copy_t = std::function<bool(const files_t& file, const std::error_code& reason)>;
+// Who follows the copies one by one.
+struct copy_watch_t {
+    // Gets a file that was not copied, after its line, and why; true when the others are to be copied all the same.
+    std::function<bool(const files_t& file, const std::error_code& reason)> failed;
 
+    // Gets a file that was copied, not one that the album had already.
+    std::function<void(const files_t& file)> copied;
+
+    libutils::goes_on_t goes_on;
+};
+
+// The same; false, without a line about it, also when it was not to go on.
 [[nodiscard]] bool copy_files(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                              progress_t& progress, const failed_copy_t& failed);
+                              progress_t& progress, const copy_watch_t& watch);
 
 // Reports that the file `destination` of the album is not the copy that it should be; returns false.
 bool copy_failed(const std::string& destination);

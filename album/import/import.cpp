@@ -8,6 +8,7 @@
 #include <cstring>
 #include <functional>
 #include <set>
+#include <tuple>
 
 #include "album/engine_step.h"
 #include "album/import/import_file.h"
@@ -33,10 +34,10 @@ namespace {
 class import_t {
   public:
     import_t(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-             const import_options_t& options)
-        : srcdir_(srcdir), album_(album), options_(options), files_(files) {}
+             const import_options_t& options, progress_signals_t& progress)
+        : srcdir_(srcdir), album_(album), options_(options), files_(files), progress_(progress) {}
 
-    [[nodiscard]] import_result_t run(progress_signals_t& progress);
+    [[nodiscard]] import_result_t run();
 
   private:
     [[nodiscard]] bool copy(progress_t& progress);
@@ -44,6 +45,7 @@ class import_t {
     [[nodiscard]] bool make_sizes(progress_t& progress);
     [[nodiscard]] bool note_sums(progress_t& progress, bool from_disk);
     [[nodiscard]] bool note_sum(const std::string& name, bool from_disk);
+    [[nodiscard]] import_result_t stop(stage_t stage);
     [[nodiscard]] bool remove_failed();
     [[nodiscard]] bool remove_original(const std::string& name);
     void drop_failed();
@@ -68,7 +70,11 @@ class import_t {
     std::string srcdir_;
     std::string album_;
     import_options_t options_;
-    std::vector<files_t> files_;        // those that did not fail so far
+    std::vector<files_t> files_;  // those that did not fail so far
+    progress_signals_t& progress_;
+    bool stopped_ = false;
+    libutils::goes_on_t goes_on_ = lasting_goes_on(progress_, stopped_);
+    std::set<std::string> replaced_;    // names of files that were copied and have no sum yet
     std::vector<left_out_t> failed_;    // in this step, to be left out
     std::vector<left_out_t> left_out_;  // in earlier steps
     left_out_t ended_at_;               // the file whose failure ended the import
@@ -76,7 +82,7 @@ class import_t {
     manifest_t manifest_;
 };
 
-import_result_t import_t::run(progress_signals_t& progress) {
+import_result_t import_t::run() {
     struct step_t {
         stage_t stage;
         const char* name;
@@ -97,14 +103,34 @@ import_result_t import_t::run(progress_signals_t& progress) {
         progress_t done;
         done.connect([&](double fraction) {
             heard_.clear();
-            progress.of(step.stage).emit(fraction);
+            progress_.of(step.stage).emit(fraction);
+            if (step.stage >= stage_t::pages) {
+                std::ignore = progress_.goes_on();  // holds; pages are written to their end
+            }
         });
-        if (!step_done(step.run(done), step.name)) {
+        const bool is_done = step.run(done);
+        if (stopped_ && ended_at_.name.empty()) {
+            return stop(step.stage);
+        }
+        if (!step_done(is_done, step.name)) {
             const std::string reason = ended_at_.name.empty() ? heard_.line() : ended_at_.reason;
             return {step.stage, ended_at_.name, reason, left_out_};
         }
     }
     return {{}, "", "", left_out_};
+}
+
+// Without thumb/ an album counts as one whose copies are not complete, and that is offered to the user.
+import_result_t import_t::stop(stage_t stage) {
+    heard_.clear();
+    for (const std::string& name : replaced_) {
+        manifest_.remove(locate_import(srcdir_, name, album_).path_in_album);
+    }
+    const bool noted = !manifest_.is_kept() || manifest_.save(album_);
+    const bool written = is_exist(entry_path(album_, layout::thumb))
+                             ? write_pages(album_, progress_)
+                             : step_done(makehtml(album_, progress_.pages), "makehtml");
+    return {stage, "", noted && written ? "" : heard_.line(), left_out_, true};
 }
 
 bool import_t::copy(progress_t& progress) {
@@ -116,7 +142,12 @@ bool import_t::copy(progress_t& progress) {
     }
     const bool copied =
         copy_files(srcdir_, files_, album_, progress,
-                   [this](const files_t& file, const std::error_code& reason) { return collect(file, reason); });
+                   {[this](const files_t& file, const std::error_code& reason) { return collect(file, reason); },
+                    [this](const files_t& file) { replaced_.insert(file.filename); }, goes_on_});
+    if (stopped_) {
+        drop_failed();
+        return false;
+    }
     if (!copied) {
         // What was copied stays, and a sum of what it replaced would call it changed.
         files_.erase(std::find_if(files_.begin(), files_.end(),
@@ -140,14 +171,14 @@ bool import_t::verify(progress_t& progress) {
 }
 
 bool import_t::make_sizes(progress_t& progress) {
-    const bool made = shrink(album_, files_, progress, collector());
+    const bool made = shrink(album_, files_, progress, collector(), goes_on_);
     return remove_failed() && made;
 }
 
 bool import_t::note_sums(progress_t& progress, bool from_disk) {
     bool good = true;
     for (size_t i = 0; good && i < files_.size(); ++i) {
-        good = note_sum(files_[i].filename, from_disk) || collect(files_[i]);
+        good = goes_on_() && (note_sum(files_[i].filename, from_disk) || (!stopped_ && collect(files_[i])));
         if (good) {
             emit_progress(progress, i, files_.size());
         }
@@ -163,14 +194,15 @@ bool import_t::note_sum(const std::string& name, bool from_disk) {
         return true;
     }
     std::string sum;
-    if (from_disk ? !verify_copy(sum, file, manifest_)
-                  : static_cast<bool>(sha256_of_file(sum, file.destination, read_from_t::anywhere))) {
-        return copy_failed(file.destination);
+    if (from_disk ? !verify_copy(sum, file, manifest_, goes_on_)
+                  : static_cast<bool>(sha256_of_file(sum, file.destination, read_from_t::anywhere, goes_on_))) {
+        return !stopped_ && copy_failed(file.destination);
     }
     // Of the album's own file the first sum counts: it is what tells that the file changed.
     if (is_listed && !(file.in_place && manifest_.sum_of(file.path_in_album))) {
         manifest_.set(file.path_in_album, sum);
     }
+    replaced_.erase(name);
     return true;
 }
 
@@ -236,7 +268,7 @@ import_result_t import_album(const std::string& srcdir, const std::vector<files_
     }
     remove_broken_sizes(album);
     progress.begun.emit(album, files);
-    import_result_t result = import_t(srcdir, files, album, options).run(progress);
+    import_result_t result = import_t(srcdir, files, album, options, progress).run();
     const libutils::first_report_t unflushed;
     if (!flush_sizes(album) && result.is_done()) {
         result.failed = stage_t::zoom_pages;

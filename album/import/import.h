@@ -38,6 +38,7 @@ struct import_result_t {
     std::string file;               // at which it failed, "" when it was no file's fault
     std::string reason;             // the innermost line that was reported about it
     std::vector<left_out_t> left_out;
+    bool stopped = false;  // in that stage, by the caller; a reason then tells why the pages could not be written
 
     [[nodiscard]] bool is_done() const { return !failed; }
 };
@@ -49,6 +50,10 @@ struct import_result_t {
 // that was left out the album has no original, no size, no thumbnail and no zoom page. But what can't be copied
 // replaces nothing and leaves an older file with its sizes as it was; and an original stays that is the album's own or
 // whose source can't be read any more, because it may be the only copy.
+//
+// Stopped by the caller the album has whole copies, and pages of the photographs that have all their sizes. A file that
+// was not compared yet has no sum, and one that was replaced has no longer that of the old one. The same import
+// completes the album; an update makes the sizes of what was copied.
 [[nodiscard]] import_result_t import_album(const std::string& srcdir, const std::vector<files_t>& files,
                                            const std::string& album, const import_options_t& options,
                                            progress_signals_t& progress);

@@ -59,18 +59,22 @@ enum class copies_t {
     missing_made,  // those that the album does not have yet
 };
 
-double room_of_file(const import_file_t& file, const std::string& name, const std::string& album, copies_t copies) {
+double room_of_file(const import_file_t& file, const std::string& name, const std::string& album, copies_t copies,
+                    const libutils::goes_on_t& asked) {
     const double length = footprint(file.source).length;
-    const bool is_copied = !file.in_place && (copies == copies_t::all_made || !has_same_copy(file));
+    const bool is_copied = !file.in_place && (copies == copies_t::all_made || !has_same_copy(file, asked));
     const double copy = is_copied ? length - footprint(file.destination).on_disk : 0;
     return copy + room_of_sizes(album, name, length, is_copied);
 }
 
 double room_of_import(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                      copies_t copies) {
+                      copies_t copies, const libutils::goes_on_t& asked) {
     double room = 0;
     for (const files_t& file : files) {
-        room += room_of_file(locate_import(srcdir, file.filename, album), file.filename, album, copies);
+        if (!libutils::goes_on(asked)) {
+            break;
+        }
+        room += room_of_file(locate_import(srcdir, file.filename, album), file.filename, album, copies, asked);
     }
     return room;
 }
@@ -105,27 +109,31 @@ std::string readable_size(double bytes) {
 }  // namespace
 
 std::vector<std::string> find_conflicts(const std::string& srcdir, const std::vector<files_t>& files,
-                                        const std::string& album) {
+                                        const std::string& album, const libutils::goes_on_t& asked) {
     std::vector<std::string> conflicts;
     for (const files_t& entry : files) {
+        if (!libutils::goes_on(asked)) {
+            break;
+        }
         const import_file_t file = locate_import(srcdir, entry.filename, album);
         const bool is_written_by_program = file.destination == text_path(album, layout::count_text);
         // A source that can't be read replaces nothing.
         const bool is_readable = access(file.source.c_str(), R_OK) == 0;
         if (!file.in_place && !is_written_by_program && is_readable && is_exist(file.destination) &&
-            !libutils::is_same_file(file.source, file.destination) && !has_same_copy(file)) {
+            !libutils::is_same_file(file.source, file.destination) && !has_same_copy(file, asked)) {
             conflicts.push_back(file.destination);
         }
     }
     return conflicts;
 }
 
-std::string missing_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album) {
+std::string missing_room(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
+                         const libutils::goes_on_t& asked) {
     const double free = free_bytes(album);
-    if (free < 0 || room_of_import(srcdir, files, album, copies_t::all_made) <= free) {
+    if (free < 0 || room_of_import(srcdir, files, album, copies_t::all_made, asked) <= free) {
         return "";
     }
-    const double needed = room_of_import(srcdir, files, album, copies_t::missing_made);
+    const double needed = room_of_import(srcdir, files, album, copies_t::missing_made, asked);
     return needed <= free ? "" : readable_size(needed - free);
 }
 

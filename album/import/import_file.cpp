@@ -15,11 +15,11 @@ import_file_t locate_import(const std::string& srcdir, const std::string& name, 
             libutils::is_same_file(srcdir + "/", directory)};
 }
 
-bool has_same_copy(const import_file_t& file) {
+bool has_same_copy(const import_file_t& file, const libutils::goes_on_t& asked) {
     struct stat status {};
     return lstat(file.destination.c_str(), &status) == 0 && S_ISREG(status.st_mode) &&
            !libutils::is_same_file(file.source, file.destination) &&
-           libutils::same_contents(file.source.c_str(), file.destination.c_str());
+           libutils::same_contents(file.source.c_str(), file.destination.c_str(), asked);
 }
 
 }  // namespace taloram

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "libutils/process/goes_on.h"
+
 namespace taloram {
 
 // A file on its way into an album.
@@ -16,6 +18,7 @@ struct import_file_t {
 [[nodiscard]] import_file_t locate_import(const std::string& srcdir, const std::string& name, const std::string& album);
 
 // True when the album has the file with the source's contents as a file of its own, no link to the source.
-[[nodiscard]] bool has_same_copy(const import_file_t& file);
+// False also when it was not to go on.
+[[nodiscard]] bool has_same_copy(const import_file_t& file, const libutils::goes_on_t& asked = {});
 
 }  // namespace taloram

@@ -7,6 +7,7 @@
 #include <iostream>
 #include <list>
 #include <optional>
+#include <tuple>
 
 #include "album/engine_step.h"
 #include "album/pages/active_markup.h"
@@ -243,6 +244,20 @@ bool makehtmlzoom(const std::string& album, progress_t& progress) {
         emit_progress(progress, index++, names.size());
     }
     return true;
+}
+
+bool write_pages(const std::string& album, progress_signals_t& progress) {
+    const auto held = [&](progress_t& stage) {
+        progress_t done;
+        done.connect([&](double fraction) {
+            stage.emit(fraction);
+            std::ignore = progress.goes_on();
+        });
+        return done;
+    };
+    progress_t pages = held(progress.pages);
+    progress_t zoom_pages = held(progress.zoom_pages);
+    return step_done(makehtml(album, pages), "makehtml") && step_done(makehtmlzoom(album, zoom_pages), "makehtmlzoom");
 }
 
 bool writelink(std::ostream& out, const std::string& album, const std::vector<std::string>& sd,

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "album/album_layout.h"
+#include "album/progress.h"
 
 namespace taloram {
 
@@ -13,6 +13,9 @@ namespace taloram {
 
 // Writes the zoom pages, html/<base>_<k>.html for every level k over 0 of every photograph.
 [[nodiscard]] bool makehtmlzoom(const std::string& album, progress_t& progress);
+
+// Both, one after the other, each failure traced. It holds where the caller wants that, and is not to be stopped.
+[[nodiscard]] bool write_pages(const std::string& album, progress_signals_t& progress);
 
 // Writes the links to the sizes of photograph `f` that are larger than its top level. `sd` are the names of its size
 // directories, `zp` of its zoom pages. False when a size can't be read.

@@ -239,8 +239,14 @@ bool shrink_file_update(const std::string& album, const files_t& file) {
 
 // Does `work` for every file, several at a time where the program allows it.
 bool for_each_file(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
-                   bool (*work)(const std::string&, const files_t&), const failed_file_t& failed) {
+                   bool (*work)(const std::string&, const files_t&), const failed_file_t& failed,
+                   const libutils::goes_on_t& asked) {
     bool good = true;
+    libutils::workers_t workers = g_workers;
+    workers.goes_on = [&] {
+        good = good && libutils::goes_on(asked);
+        return good;
+    };
     const auto finished = [&](size_t i, libutils::task_end_t end) {
         if (end == libutils::task_end_t::died) {
             libutils::report(files[i].filename, ": the process that worked on it has died.");
@@ -252,7 +258,7 @@ bool for_each_file(const std::string& album, const std::vector<files_t>& files, 
         return good;
     };
     libutils::run_tasks(
-        files.size(), g_workers, [&](size_t i) { return work(album, files[i]); }, finished);
+        files.size(), workers, [&](size_t i) { return work(album, files[i]); }, finished);
     return good;
 }
 
@@ -299,9 +305,9 @@ bool shrink(const std::string& album, const std::vector<files_t>& files, progres
 }
 
 bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
-            const failed_file_t& failed) {
+            const failed_file_t& failed, const libutils::goes_on_t& asked) {
     libutils::mkdir(entry_path(album, layout::thumb).c_str());
-    return for_each_file(album, files, progress, shrink_file, failed);
+    return for_each_file(album, files, progress, shrink_file, failed, asked);
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress) {
@@ -310,8 +316,8 @@ bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, p
 }
 
 bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress,
-                  const failed_file_t& failed) {
-    return for_each_file(album, files, progress, shrink_file_update, failed);
+                  const failed_file_t& failed, const libutils::goes_on_t& asked) {
+    return for_each_file(album, files, progress, shrink_file_update, failed, asked);
 }
 
 bool shrinkone(const std::vector<std::string>& dirs, const std::string& album, const std::string& name,

@@ -4,6 +4,7 @@
 
 #include "album/album_layout.h"
 #include "album/sizes/jpeg_files.h"
+#include "libutils/process/goes_on.h"
 
 namespace taloram {
 
@@ -24,14 +25,15 @@ using failed_file_t = std::function<bool(const files_t& file)>;
 
 // Makes all levels and the thumbnail of every listed photograph; other files only count for progress. Ends at the first
 // photograph that fails, or where `failed` says so; who says it flushes the sizes (album/sizes/unflushed_sizes.h).
+// False, without a line, also when it was not to go on; photographs that were worked on by then are made.
 [[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress);
 [[nodiscard]] bool shrink(const std::string& album, const std::vector<files_t>& files, progress_t& progress,
-                          const failed_file_t& failed);
+                          const failed_file_t& failed, const libutils::goes_on_t& asked = {});
 
 // The same, redoing only what is missing, out of date or to be turned. thumb/ must exist.
 [[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress);
 [[nodiscard]] bool shrinkupdate(const std::vector<files_t>& files, const std::string& album, progress_t& progress,
-                                const failed_file_t& failed);
+                                const failed_file_t& failed, const libutils::goes_on_t& asked = {});
 
 // All levels up to `level` and the thumbnail of one photograph. The user's count alone decides whether level 0 is
 // turned; when it is, the camera's orientation is added to it. Reduced sizes of a turned photograph carry no segments.

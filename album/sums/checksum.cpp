@@ -28,7 +28,8 @@ std::string hexadecimal(const unsigned char* bytes, size_t count) {
 
 }  // namespace
 
-std::error_code sha256_of_file(std::string& sum, const std::string& path, read_from_t from) {
+std::error_code sha256_of_file(std::string& sum, const std::string& path, read_from_t from,
+                               const libutils::goes_on_t& asked) {
     const libutils::open_file_t file(path);
     if (const std::error_code failure = file.check_regular()) {
         return failure;
@@ -43,6 +44,9 @@ std::error_code sha256_of_file(std::string& sum, const std::string& path, read_f
     std::vector<unsigned char> block(block_size);
     ssize_t count = 0;
     while ((count = file.read_some(block.data(), block.size())) > 0) {
+        if (!libutils::goes_on(asked)) {
+            return make_error_code(std::errc::operation_canceled);
+        }
         if (EVP_DigestUpdate(context.get(), block.data(), static_cast<size_t>(count)) != 1) {
             return make_error_code(std::errc::not_enough_memory);
         }

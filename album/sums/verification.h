@@ -6,6 +6,7 @@
 
 #include "album/album_layout.h"
 #include "album/import/import_file.h"
+#include "album/progress.h"
 #include "album/sums/manifest.h"
 
 // Are the originals and movies what was imported?
@@ -13,7 +14,9 @@ namespace taloram {
 
 // Brings a copy to the disk, reads it back from there and compares it with its source by SHA-256; `sum` is then the sum
 // of both. The album's own file is compared with the sum that `manifest` has of it, if any. No message.
-[[nodiscard]] bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest);
+// False also when it was not to go on.
+[[nodiscard]] bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest,
+                               const libutils::goes_on_t& asked = {});
 
 // Gets a file of the album, as a path, and what is wrong with it.
 using finding_t = std::function<void(const std::string& path, const std::string& what)>;
@@ -21,9 +24,10 @@ using finding_t = std::function<void(const std::string& path, const std::string&
 // Looks, before an import writes anything, for listed files whose import would change the sum that SHA256SUMS has of
 // them, although the album's file may be gone or hold the same bytes: one of the two is not what was imported once.
 // An import that replaces files may change the sums of those, but not of files that hold the same bytes already.
-// `found` is called for each; true when there are none. False, after a report, also when the sums can't be read.
+// `found` is called for each; true when there are none. False, after a report, also when the sums can't be read,
+// and, without one, when it was not to go on.
 [[nodiscard]] bool keeps_sums(const std::string& srcdir, const std::vector<files_t>& files, const std::string& album,
-                              bool replaces_files, const finding_t& found);
+                              bool replaces_files, const finding_t& found, const libutils::goes_on_t& asked = {});
 
 // Brings the names of an import to the disk: the directories of the album, the album and the directory that holds it.
 // Reports a failure.
@@ -33,5 +37,15 @@ using finding_t = std::function<void(const std::string& path, const std::string&
 // missing, then for each that has no sum. True when there are none; `count` is the number of sums. False, after
 // a report, when there are no sums, when they contradict each other, or when a directory can't be listed to its end.
 [[nodiscard]] bool verify_album(const std::string& album, const finding_t& found, size_t& count);
+
+struct verify_result_t {
+    bool is_good = false;
+    bool stopped = false;  // by the caller, before all was compared; what was found until then is true
+    size_t count = 0;      // sums that the album has
+};
+
+// The same, with the fraction of the sums that are compared told to the stage `verify`.
+[[nodiscard]] verify_result_t verify_album(const std::string& album, const finding_t& found,
+                                           progress_signals_t& progress);
 
 }  // namespace taloram

@@ -119,7 +119,7 @@ bool photo_turner_t::write_turned(libgr::jpegdata_t& data, const std::string& pa
 
 // Makes the turned files of all photographs.
 bool turn_files(const pending_turn_t& pending, const std::string& album, const std::vector<std::string>& names,
-                unsigned long count, progress_signals_t& progress) {
+                unsigned long count, progress_signals_t& progress, bool& stopped) {
     bool good = true;
     const auto finished = [&](size_t i, libutils::task_end_t end) {
         good = end == libutils::task_end_t::succeeded;
@@ -131,10 +131,12 @@ bool turn_files(const pending_turn_t& pending, const std::string& album, const s
         }
         return good;
     };
+    libutils::workers_t workers = g_workers;
+    workers.goes_on = lasting_goes_on(progress, stopped);
     libutils::run_tasks(
-        names.size(), g_workers, [&](size_t i) { return photo_turner_t(pending, album, names[i], count).run(); },
+        names.size(), workers, [&](size_t i) { return photo_turner_t(pending, album, names[i], count).run(); },
         finished);
-    return good;
+    return good && !stopped;
 }
 
 bool is_good(const std::error_code& error, const std::string& album) {
@@ -146,14 +148,9 @@ bool is_good(const std::error_code& error, const std::string& album) {
 
 // False also where there is a message about what stays to be put in place.
 bool turn_all(pending_turn_t& pending, const std::string& album, const std::vector<std::string>& names,
-              unsigned long count, progress_signals_t& progress) {
-    return is_good(pending.begin(names), album) && turn_files(pending, album, names, count, progress) &&
+              unsigned long count, progress_signals_t& progress, bool& stopped) {
+    return is_good(pending.begin(names), album) && turn_files(pending, album, names, count, progress, stopped) &&
            is_good(pending.commit(count), album) && pending.place();
-}
-
-bool write_pages(const std::string& album, progress_signals_t& progress) {
-    return step_done(makehtml(album, progress.pages), "makehtml") &&
-           step_done(makehtmlzoom(album, progress.zoom_pages), "makehtmlzoom");
 }
 
 std::vector<files_t> as_files(const std::vector<std::string>& names, unsigned long count) {
@@ -187,7 +184,8 @@ turned_t turn_photos(const std::string& album, const std::vector<std::string>& n
     std::erase_if(to_turn, [&](const std::string& name) { return is_among(left, name, count); });
     pending_turn_t pending(album);
     progress.begun.emit(album, as_files(to_turn, count));
-    const bool turned = to_turn.empty() || turn_all(pending, album, to_turn, count, progress);
+    bool stopped = false;
+    const bool turned = to_turn.empty() || turn_all(pending, album, to_turn, count, progress, stopped);
     // The pages name the sizes' bytes. Until they are written the turn counts as begun: it would else be asked for
     // again.
     const bool changed = pending.is_committed() || !left.empty();
@@ -196,7 +194,7 @@ turned_t turn_photos(const std::string& album, const std::vector<std::string>& n
         pending.end();
     }
     end_left_turns(album, left);
-    return !turned ? turned_t::none : written ? turned_t::all : turned_t::pages_stale;
+    return stopped ? turned_t::stopped : !turned ? turned_t::none : written ? turned_t::all : turned_t::pages_stale;
 }
 
 bool end_begun_turns(const std::string& album) {

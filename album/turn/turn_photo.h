@@ -11,6 +11,7 @@ enum class turned_t {
     all,
     none,         // nothing was turned, or what a message says is left for the next program to put in place
     pages_stale,  // all, but the pages could not be written
+    stopped,      // by the caller before anything got its name: nothing was turned
 };
 
 // Turns what is shown of photographs clockwise by `count` quarter turns (1 to 3), for good and without loss: all their
@@ -21,7 +22,8 @@ enum class turned_t {
 //
 // All or nothing: where a size is missing, can't be read or carries an Orientation that mirrors, or the disk is full,
 // nothing is turned. What a killed program had begun is ended first, and photographs that it had turned by the same
-// count are not turned again. Failures are reported. Of the stages there are sizes, pages and zoom pages.
+// count are not turned again. A stop is obeyed until all turned files are made; then it is too late. Failures are
+// reported. Of the stages there are sizes, pages and zoom pages.
 [[nodiscard]] turned_t turn_photos(const std::string& album, const std::vector<std::string>& names, unsigned long count,
                                    progress_signals_t& progress);
 

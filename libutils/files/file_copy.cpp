@@ -19,7 +19,25 @@
 
 namespace libutils {
 
-std::error_code copy_file(const std::string& from, const std::string& to) {
+namespace {
+
+constexpr size_t block_size = size_t{1} << 20;  // bytes between two questions whether to go on
+
+std::error_code write_blocks(int out, std::string_view bytes, const goes_on_t& asked) {
+    for (; !bytes.empty(); bytes.remove_prefix(std::min(block_size, bytes.size()))) {
+        if (!goes_on(asked)) {
+            return make_error_code(std::errc::operation_canceled);
+        }
+        if (const std::error_code unwritten = write_all(out, bytes.substr(0, block_size))) {
+            return unwritten;
+        }
+    }
+    return {};
+}
+
+}  // namespace
+
+std::error_code copy_file(const std::string& from, const std::string& to, const goes_on_t& asked) {
     bytes_t bytes;
     if (const std::error_code unread = map_file(bytes, from)) {
         return unread;
@@ -28,7 +46,8 @@ std::error_code copy_file(const std::string& from, const std::string& to) {
     if (out < 0) {
         return last_error();
     }
-    const std::error_code unwritten = write_all(out, {reinterpret_cast<const char*>(bytes.begin()), bytes.size()});
+    const std::error_code unwritten =
+        write_blocks(out, {reinterpret_cast<const char*>(bytes.begin()), bytes.size()}, asked);
     const std::error_code unclosed = close(out) == 0 ? std::error_code() : last_error();
     if (unwritten || unclosed) {
         return unwritten ? unwritten : unclosed;
@@ -109,11 +128,20 @@ bool copydate(const char* from, const char* to) {
     return true;
 }
 
-bool same_contents(const char* a, const char* b) {
+bool same_contents(const char* a, const char* b, const goes_on_t& asked) {
     bytes_t bytes_a;
     bytes_t bytes_b;
-    return !map_file(bytes_a, a) && !map_file(bytes_b, b) && bytes_a.size() == bytes_b.size() &&
-           std::equal(bytes_a.begin(), bytes_a.end(), bytes_b.begin()) && bytes_a.is_intact() && bytes_b.is_intact();
+    if (map_file(bytes_a, a) || map_file(bytes_b, b) || bytes_a.size() != bytes_b.size()) {
+        return false;
+    }
+    for (size_t start = 0; start < bytes_a.size(); start += block_size) {
+        const auto* const first = bytes_a.begin() + start;
+        const size_t size = std::min(block_size, bytes_a.size() - start);
+        if (!goes_on(asked) || !std::equal(first, first + size, bytes_b.begin() + start)) {
+            return false;
+        }
+    }
+    return bytes_a.is_intact() && bytes_b.is_intact();
 }
 
 }  // namespace libutils

@@ -3,12 +3,14 @@
 #include <string>
 #include <system_error>
 
+#include "libutils/process/goes_on.h"
+
 namespace libutils {
 
 // Copies the whole of `from` over `to` through a mapping and gives it the times of `from`, as copy_date() does. `to`
 // was written and closed without a failure then; network file systems and quotas refuse bytes as late as that. No
-// message.
-[[nodiscard]] std::error_code copy_file(const std::string& from, const std::string& to);
+// message. operation_canceled when it was not to go on; what `to` holds then is of no use.
+[[nodiscard]] std::error_code copy_file(const std::string& from, const std::string& to, const goes_on_t& asked = {});
 
 // Gives `to` the access and modification times of `from` in whole seconds. No message.
 [[nodiscard]] std::error_code copy_date(const std::string& from, const std::string& to);
@@ -24,7 +26,7 @@ namespace libutils {
 // Gives `to` the access and modification times of `from` in whole seconds; reports a failure.
 [[nodiscard]] bool copydate(const char* from, const char* to);
 
-// True when both files can be read and hold the same bytes.
-[[nodiscard]] bool same_contents(const char* a, const char* b);
+// True when both files can be read and hold the same bytes; false also when it was not to go on.
+[[nodiscard]] bool same_contents(const char* a, const char* b, const goes_on_t& asked = {});
 
 }  // namespace libutils

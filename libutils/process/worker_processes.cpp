@@ -263,7 +263,7 @@ class pool_t {
           workers_(std::min<size_t>(workers.jobs, count)) {}
 
     void run() {
-        while (next_finished_ < count_) {
+        while (next_finished_ < count_ && goes_on(options_.goes_on)) {
             hand_out();
             wait();
             while (!done_.empty() && done_.begin()->first == next_finished_) {
@@ -311,7 +311,7 @@ class pool_t {
             sockets.push_back({worker.is_busy() ? worker.socket() : -1, POLLIN, 0});
         }
         const bool any = std::any_of(sockets.begin(), sockets.end(), [](const pollfd& s) { return s.fd >= 0; });
-        if (!any || poll(sockets.data(), sockets.size(), options_.idle ? idle_interval : -1) < 0) {
+        if (!any || poll(sockets.data(), sockets.size(), options_.idle || options_.goes_on ? idle_interval : -1) < 0) {
             return;
         }
         for (size_t i = 0; i < sockets.size(); ++i) {
@@ -360,7 +360,7 @@ void run_tasks(size_t count, const workers_t& workers, const std::function<bool(
         pool_t(count, workers, task, finished).run();
         return;
     }
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < count && goes_on(workers.goes_on); ++i) {
         if (!finished(i, task(i) ? task_end_t::succeeded : task_end_t::failed)) {
             return;
         }
