@@ -11,6 +11,7 @@
 #include "album/sizes/reduced_sizes.h"
 #include "album/sizes/unflushed_sizes.h"
 #include "album/turn/pending_turn.h"
+#include "album/work_meter.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
@@ -79,9 +80,23 @@ class watched_update_t {
             failure_ = {original_path(album_, file.filename), heard_.line()};
             return false;
         };
-        return watched(progress, progress.sizes, [&](const std::string& album, progress_t& done) {
+        work_meter_t meter(progress, stage_t::sizes, amounts());
+        sigc::connection measured = progress.sizes.connect([&](double fraction) { meter.advance(fraction); });
+        const bool made = watched(progress, progress.sizes, [&](const std::string& album, progress_t& done) {
             return shrinkupdate(files_, album, done, failed, lasting_goes_on(progress, failure_.stopped));
         });
+        measured.disconnect();
+        return made;
+    }
+
+    // A photograph whose thumbnail is there, which is made last, is mostly up to date.
+    [[nodiscard]] std::vector<double> amounts() const {
+        std::vector<double> amounts;
+        for (const auto& [name, turns] : files_) {
+            const bool is_done = !is_photo(name) || (turns == 0 && is_exist(thumb_path(album_, name)));
+            amounts.push_back(is_done ? 0 : length_of(original_path(album_, name)));
+        }
+        return amounts;
     }
 
     const std::vector<files_t>& files_;

@@ -19,6 +19,8 @@ struct update_failure_t {
     std::string file;      // path of the original, "" when it was no photograph's fault
     std::string reason;    // the innermost line that was reported about it
     bool stopped = false;  // by the caller; a reason then tells what failed before or behind it
+
+    [[nodiscard]] bool is_only_stopped() const { return stopped && reason.empty(); }
 };
 
 // Nothing when all was done.

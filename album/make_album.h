@@ -60,6 +60,7 @@ struct album_result_t {
     import_result_t import;    // its files that were left out, and where it ended
 
     [[nodiscard]] bool is_made() const { return !refused; }
+    [[nodiscard]] bool is_only_stopped() const { return stopped && reason.empty(); }
 };
 
 // True when what lies in `source` may be changed or removed by an import into `album`.

@@ -20,6 +20,15 @@ constexpr stage_t all_stages[] = {stage_t::copy, stage_t::verify, stage_t::sizes
 // What whoever called the engine wants of the work that goes on.
 enum class wish_t { go_on, hold, stop };
 
+// How much of a stage is done, of what there is to do: files that are up to date do not count.
+struct work_t {
+    stage_t stage = stage_t::copy;
+    size_t files_done = 0;
+    size_t files = 0;  // that are copied or compared; of stage `sizes`, photographs
+    double done = 0;   // bytes of those files
+    double total = 0;
+};
+
 // What a long operation tells, and asks, while it runs, on the caller's thread. Copies share the connected handlers.
 struct progress_signals_t {
     progress_t copy;
@@ -38,6 +47,10 @@ struct progress_signals_t {
     // there, no lock is held, and the same call completes the work; the result says that it was stopped. While pages
     // are written it is too late: the work then comes to its end. The lists of results tell more.
     std::function<wish_t()> wish = nullptr;
+
+    // At the begin of a stage in which there is something to do, and after each of its files, behind the stage's own
+    // signal. Nothing for pages.
+    sigc::signal<void, const work_t&> worked = {};
 
     // Asks, and waits for as long as the work is to hold. False when it is to stop.
     [[nodiscard]] bool goes_on() const;

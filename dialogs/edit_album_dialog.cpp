@@ -4,7 +4,7 @@
 
 #include <iostream>
 
-#include "album/album_update.h"
+#include "album/apart.h"
 #include "album/texts/comment_store.h"
 #include "album/turn/planned_turn.h"
 #include "album/turn/turn_photo.h"
@@ -204,9 +204,9 @@ void EditAlbumDialog::save_texts() {
 void EditAlbumDialog::update_album() {
     const std::vector<files_t> files = selected_files();
     progress_.begin(to_toolkit(album_));
-    const update_result_t failure = taloram::update_album(files, album_, progress_.signals());
+    const update_result_t failure = apart::update_album(files, album_, progress_.signals());
     progress_.end();
-    if (failure) {
+    if (failure && !failure->is_only_stopped()) {
         libutils::report(album_, ": updatealbum() failed.");
         show_failure(*this, msg_album_failed, failure->reason, failure->file);
     }

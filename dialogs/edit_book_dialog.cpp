@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <map>
 
-#include "album/album_update.h"
+#include "album/apart.h"
 #include "album/pages/book_index.h"
 #include "album/shell_command.h"
 #include "album/texts/comment_store.h"
@@ -267,7 +267,7 @@ void EditBookDialog::make_book() {
 }
 
 void EditBookDialog::make_album() {
-    const std::optional<album_order_t> order = ask_for_album(*this, book_directory_);
+    const std::optional<album_order_t> order = ask_for_album(*this, progress_, book_directory_);
     if (order && run_import(*this, progress_, *order)) {
         refresh();
     }
@@ -275,9 +275,9 @@ void EditBookDialog::make_album() {
 
 bool EditBookDialog::batchupdate(const std::string& path) {
     progress_.begin(to_toolkit(path));
-    const update_result_t failure = update_all(path, update_options_t(), progress_.signals());
+    const update_result_t failure = apart::update_all(path, update_options_t(), progress_.signals());
     progress_.end();
-    if (failure) {
+    if (failure && !failure->is_only_stopped()) {
         show_failure(*this, msg_update_failed, failure->reason, failure->file);
     }
     return !failure;

@@ -1,10 +1,11 @@
 #include "dialogs/import_run.h"
 
 #include <algorithm>
+#include <chrono>
 #include <list>
 #include <vector>
 
-#include "album/import/import_check.h"
+#include "album/apart.h"
 #include "dialogs/make_album_dialog.h"
 #include "libutils/text/text.h"
 #include "settings/settings.h"
@@ -57,20 +58,34 @@ void show_refusal(Gtk::Window& parent, const album_result_t& result) {
     show_failure(parent, msg_album_failed, result.reason, result.import.file);
 }
 
+// A look at files that are there already may take its time: behind the progress window, should it last.
+template <typename look_t>
+auto look(Gtk::Window& parent, progress_window_t& progress, const album_order_t& order, const look_t& work) {
+    constexpr std::chrono::milliseconds patience{500};
+    Gtk::Window* const behind = progress.get_transient_for();
+    progress.set_transient_for(parent);
+    progress.begin(to_toolkit(order.album), patience);
+    auto found = work(progress.signals());
+    progress.end();
+    progress.set_transient_for(*behind);
+    return found;
+}
+
 // Whether an album that is there may get the files. That it is added to says nothing about files that would be lost.
-bool may_add(Gtk::Window& parent, const album_order_t& order) {
+bool may_add(Gtk::Window& parent, progress_window_t& progress, const album_order_t& order) {
     if (!is_exist(order.album)) {
         return true;
     }
     if (!ask_yes_no(parent, msg_album_exists)) {
         return false;
     }
-    const std::vector<std::string> replaced = find_conflicts(order.source, order.files, order.album);
-    return replaced.empty() || ask_about_list(parent, msg_replaces_files, replaced);
+    const std::optional<std::vector<std::string>> replaced = look(
+        parent, progress, order, [&](progress_signals_t& signals) { return apart::find_conflicts(order, signals); });
+    return replaced && (replaced->empty() || ask_about_list(parent, msg_replaces_files, *replaced));
 }
 
 // What is chosen can be made; what is missing was told otherwise.
-bool is_fit(Gtk::Window& parent, const album_order_t& order, const std::string& book) {
+bool is_fit(Gtk::Window& parent, progress_window_t& progress, const album_order_t& order, const std::string& book) {
     if (order.files.empty()) {
         show_error(parent, msg_nothing_selected);
     } else if (order.source.empty()) {
@@ -79,12 +94,17 @@ bool is_fit(Gtk::Window& parent, const album_order_t& order, const std::string& 
         show_error(parent, msg_album_missing);
     } else if (is_book(order.album)) {
         show_error(parent, msg_names_a_book);
-    } else if (!may_add(parent, order)) {
+    } else if (!may_add(parent, progress, order)) {
         return false;
     } else if (order.title->empty()) {
         show_error(parent, msg_title_missing);
-    } else if (const album_result_t found = check_album_order(order); !found.is_made()) {
-        show_refusal(parent, found);
+    } else if (const album_result_t found =
+                   look(parent, progress, order,
+                        [&](progress_signals_t& signals) { return apart::check_album_order(order, signals); });
+               !found.is_made()) {
+        if (!found.is_only_stopped()) {
+            show_refusal(parent, found);
+        }
     } else {
         return true;
     }
@@ -115,12 +135,12 @@ void show_left_out(Gtk::Window& parent, const std::vector<left_out_t>& files) {
 
 }  // namespace
 
-std::optional<album_order_t> ask_for_album(Gtk::Window& parent, const std::string& book) {
+std::optional<album_order_t> ask_for_album(Gtk::Window& parent, progress_window_t& progress, const std::string& book) {
     MakeAlbumDialog dialog(parent, g_global.from, book);
     for (;;) {
         switch (dialog.run()) {
             case Gtk::RESPONSE_OK:
-                if (album_order_t order = order_of(dialog); is_fit(dialog, order, book)) {
+                if (album_order_t order = order_of(dialog); is_fit(dialog, progress, order, book)) {
                     return order;
                 }
                 break;
@@ -143,9 +163,10 @@ bool run_import(Gtk::Window& parent, progress_window_t& progress, album_order_t 
         };
     }
     progress.begin(to_toolkit(order.album));
-    const album_result_t result = make_album(order, progress.signals());
+    progress.show_verification(order.options.verify);
+    const album_result_t result = apart::make_album(order, progress.signals());
     progress.end();
-    if (!result.is_made()) {
+    if (!result.is_made() && !result.is_only_stopped()) {
         if (!is_told) {
             show_refusal(parent, result);
         }

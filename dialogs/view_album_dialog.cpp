@@ -7,7 +7,7 @@
 #include <chrono>
 
 #include "album/album_layout.h"
-#include "album/turn/turn_photo.h"
+#include "album/apart.h"
 #include "dialogs/text_input_dialog.h"
 #include "libutils/diagnostics.h"
 #include "toolkit/text_encoding.h"
@@ -236,14 +236,14 @@ void ViewAlbumDialog::turn(unsigned long count) {
     }
     progress_.begin(to_toolkit(name), patience);
     const libutils::first_report_t heard;
-    const turned_t turned = turn_photos(album_, {name}, count, progress_.signals());
+    const turned_t turned = apart::turn_photos(album_, {name}, count, progress_.signals());
     progress_.end();
     if (window) {
         window->set_cursor();
     }
     view_.reload();
     grid_.reload(view_.index());
-    if (turned != turned_t::all) {
+    if (turned != turned_t::all && turned != turned_t::stopped) {
         show_failure(*this, turned == turned_t::none ? msg_turn_failed : msg_album_failed, heard.line());
     }
 }

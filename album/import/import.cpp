@@ -20,6 +20,7 @@
 #include "album/sums/manifest.h"
 #include "album/sums/verification.h"
 #include "album/turn/pending_turn.h"
+#include "album/work_meter.h"
 #include "album/write_lock.h"
 #include "libutils/diagnostics.h"
 #include "libutils/files/directory.h"
@@ -45,6 +46,7 @@ class import_t {
     [[nodiscard]] bool make_sizes(progress_t& progress);
     [[nodiscard]] bool note_sums(progress_t& progress, bool from_disk);
     [[nodiscard]] bool note_sum(const std::string& name, bool from_disk);
+    [[nodiscard]] std::vector<double> amounts(stage_t stage) const;
     [[nodiscard]] import_result_t stop(stage_t stage);
     [[nodiscard]] bool remove_failed();
     [[nodiscard]] bool remove_original(const std::string& name);
@@ -100,10 +102,12 @@ import_result_t import_t::run() {
     }
     for (const step_t& step : steps) {
         heard_.clear();
+        work_meter_t meter(progress_, step.stage, amounts(step.stage));
         progress_t done;
         done.connect([&](double fraction) {
             heard_.clear();
             progress_.of(step.stage).emit(fraction);
+            meter.advance(fraction);
             if (step.stage >= stage_t::pages) {
                 std::ignore = progress_.goes_on();  // holds; pages are written to their end
             }
@@ -118,6 +122,20 @@ import_result_t import_t::run() {
         }
     }
     return {{}, "", "", left_out_};
+}
+
+// The bytes of each file that a stage has to do with.
+std::vector<double> import_t::amounts(stage_t stage) const {
+    const bool compares = options_.verify || manifest_.is_kept();
+    if (stage >= stage_t::pages || (stage == stage_t::verify && !compares)) {
+        return {};
+    }
+    std::vector<double> amounts;
+    for (const files_t& file : files_) {
+        const bool counts = stage != stage_t::sizes || is_photo(file.filename);
+        amounts.push_back(counts ? length_of(locate_import(srcdir_, file.filename, album_).source) : 0);
+    }
+    return amounts;
 }
 
 // Without thumb/ an album counts as one whose copies are not complete, and that is offered to the user.

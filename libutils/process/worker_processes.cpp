@@ -15,135 +15,17 @@
 #include <iostream>
 #include <map>
 #include <optional>
-#include <streambuf>
 #include <string>
 #include <utility>
 #include <vector>
 
-#include "libutils/diagnostics.h"
+#include "libutils/process/process_messages.h"
 
 namespace libutils {
 
 namespace {
 
 constexpr int idle_interval = 50;  // milliseconds
-
-enum class stream_t : unsigned char { output, error };
-
-// What a task wrote, in the order of writing.
-using record_t = std::vector<std::pair<stream_t, std::string>>;
-
-// Takes the place of a standard stream of a worker.
-class recorder_t : public std::streambuf {
-  public:
-    recorder_t(record_t& record, stream_t stream) : record_(record), stream_(stream) {}
-
-  protected:
-    int_type overflow(int_type c) override {
-        if (!traits_type::eq_int_type(c, traits_type::eof())) {
-            const char character = traits_type::to_char_type(c);
-            xsputn(&character, 1);
-        }
-        return traits_type::not_eof(c);
-    }
-    std::streamsize xsputn(const char* text, std::streamsize size) override {
-        if (record_.empty() || record_.back().first != stream_) {
-            record_.emplace_back(stream_, std::string());
-        }
-        record_.back().second.append(text, static_cast<size_t>(size));
-        return size;
-    }
-
-  private:
-    record_t& record_;
-    stream_t stream_;
-};
-
-void replay(const record_t& record) {
-    for (const auto& [stream, text] : record) {
-        if (stream == stream_t::error) {
-            first_report_t::hear(text);
-        }
-        (stream == stream_t::output ? std::cout : std::cerr) << text << std::flush;
-    }
-}
-
-bool send_all(int socket, const void* data, size_t size) {
-    const auto* bytes = static_cast<const char*>(data);
-    while (size != 0) {
-        const ssize_t sent = send(socket, bytes, size, MSG_NOSIGNAL);
-        if (sent < 0 && errno == EINTR) {
-            continue;
-        }
-        if (sent <= 0) {
-            return false;
-        }
-        bytes += sent;
-        size -= static_cast<size_t>(sent);
-    }
-    return true;
-}
-
-bool receive_all(int socket, void* data, size_t size) {
-    auto* bytes = static_cast<char*>(data);
-    while (size != 0) {
-        const ssize_t received = recv(socket, bytes, size, 0);
-        if (received < 0 && errno == EINTR) {
-            continue;
-        }
-        if (received <= 0) {
-            return false;
-        }
-        bytes += received;
-        size -= static_cast<size_t>(received);
-    }
-    return true;
-}
-
-struct answer_t {
-    bool succeeded = false;
-    record_t record;
-};
-
-struct answer_head_t {
-    uint64_t succeeded;
-    uint64_t parts;
-};
-
-struct part_head_t {
-    uint64_t stream;
-    uint64_t size;  // bytes
-};
-
-bool send_answer(int socket, const answer_t& answer) {
-    const answer_head_t head{answer.succeeded ? 1U : 0U, answer.record.size()};
-    bool sent = send_all(socket, &head, sizeof head);
-    for (const auto& [stream, text] : answer.record) {
-        const part_head_t part{static_cast<uint64_t>(stream), text.size()};
-        sent = sent && send_all(socket, &part, sizeof part) && send_all(socket, text.data(), text.size());
-    }
-    return sent;
-}
-
-bool receive_answer(int socket, answer_t& answer) {
-    answer_head_t head{};
-    if (!receive_all(socket, &head, sizeof head)) {
-        return false;
-    }
-    answer.succeeded = head.succeeded != 0;
-    for (uint64_t i = 0; i < head.parts; ++i) {
-        part_head_t part{};
-        if (!receive_all(socket, &part, sizeof part)) {
-            return false;
-        }
-        std::string text(part.size, '\0');
-        if (!receive_all(socket, text.data(), text.size())) {
-            return false;
-        }
-        answer.record.emplace_back(static_cast<stream_t>(part.stream), std::move(text));
-    }
-    return true;
-}
 
 // A worker's life. Never returns: what the caller had in hand at the fork must not be done a second time.
 [[noreturn]] void work(int socket, pid_t caller, const std::function<bool(size_t)>& task) {
@@ -268,7 +150,9 @@ class pool_t {
             wait();
             while (!done_.empty() && done_.begin()->first == next_finished_) {
                 const done_t& done = done_.begin()->second;
-                replay(done.record);
+                for (const auto& [stream, text] : done.record) {
+                    replay(stream, text);
+                }
                 if (!finished_(next_finished_, done.end)) {
                     return;
                 }

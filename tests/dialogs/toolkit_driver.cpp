@@ -33,7 +33,10 @@ user_t user;
 Gtk::Dialog* waiting_dialog() {
     GtkWidget* grab = gtk_grab_get_current();
     auto* dialog = grab == nullptr ? nullptr : dynamic_cast<Gtk::Dialog*>(Glib::wrap(grab));
-    return dialog != nullptr && dialog->get_mapped() && !find_all<Gtk::Button>(*dialog).empty() ? dialog : nullptr;
+    return dialog != nullptr && dialog->get_mapped() && dialog->get_title() != "progress window" &&
+                   !find_all<Gtk::Button>(*dialog).empty()
+               ? dialog
+               : nullptr;
 }
 
 void forget(GtkWidget* dialog, gpointer) {

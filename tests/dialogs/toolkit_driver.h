@@ -46,7 +46,7 @@ void drop(Gtk::Widget& widget, const std::string& path);
 // Queues `action` for a dialog that will wait for its user: one that is newly shown, or one whose turn it is again
 // after another was answered. Actions run in the order they were queued, also in loops nested in other actions; those
 // that an action queues come next.
-// Progress windows, which have no buttons, wait for nobody. A dialog that no action is queued for is a test failure
+// Progress windows wait for nobody. A dialog that no action is queued for is a test failure
 // and, after some seconds, closed.
 void on_next_dialog(std::function<void(Gtk::Dialog&)> action);
 

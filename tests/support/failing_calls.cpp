@@ -7,7 +7,8 @@
 //   two FAILING_CALLS='close:EDQUOT:0:/original/'  every close of a file in original/ fails; the file is closed all the
 //   same FAILING_CALLS='flock:EOPNOTSUPP:0:'        no file system has locks
 //
-// With NOTE for the error they go on, and a line "<call> <path>" on standard error tells of each.
+// With NOTE for the error they go on, and a line "<call> <path>" on standard error tells of each; with SLOW they go on
+// after a second.
 //
 // From the call after those that succeed on, every call on a path that holds the part fails; each rule counts for
 // itself, and each process goes on counting from where its parent was. The path is the one that a call is given, or
@@ -43,10 +44,14 @@ struct rule_t {
 };
 
 constexpr int noted = -1;
+constexpr int slow = -2;
 
 int number_of(const std::string& name) {
     if (name == "NOTE") {
         return noted;
+    }
+    if (name == "SLOW") {
+        return slow;
     }
     for (int error = 1; error < 200; ++error) {
         const char* const known = strerrorname_np(error);
@@ -85,6 +90,10 @@ int fault(std::string_view call, std::string_view path, std::string_view other =
         const bool is_meant = path.find(rule.part) != std::string_view::npos ||
                               (!other.empty() && other.find(rule.part) != std::string_view::npos);
         if (rule.call != call || !is_meant || rule.succeeding-- > 0) {
+            continue;
+        }
+        if (rule.error == slow) {
+            sleep(1);
             continue;
         }
         if (rule.error != noted) {
