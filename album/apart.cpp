@@ -52,13 +52,23 @@ void visit_fields(visitor_t& visit, update_failure_t& failure) {
 }
 
 template <typename visitor_t>
-void visit_fields(visitor_t& visit, apart::finding_record_t& finding) {
-    visit(finding.path, finding.what);
+void visit_fields(visitor_t& visit, verify_result_t& result) {
+    visit(result.is_good, result.stopped, result.has_sums, result.count, result.written_at);
 }
 
 template <typename visitor_t>
-void visit_fields(visitor_t& visit, apart::checked_album_t& checked) {
-    visit(checked.result.is_good, checked.result.stopped, checked.result.count, checked.findings);
+void visit_fields(visitor_t& visit, flawed_file_t& file) {
+    visit(file.path, file.flaw, file.reason);
+}
+
+template <typename visitor_t>
+void visit_fields(visitor_t& visit, checked_album_t& album) {
+    visit(album.path, album.result, album.flaws, album.failure);
+}
+
+template <typename visitor_t>
+void visit_fields(visitor_t& visit, originals_check_t& check) {
+    visit(check.albums, check.failure, check.is_good, check.stopped);
 }
 
 namespace {
@@ -289,23 +299,16 @@ turned_t turn_photos(const std::string& album, const std::vector<std::string>& n
     return result.value_or(turned_t::none);
 }
 
-checked_album_t verify_album(const std::string& album, progress_signals_t& progress) {
-    const auto work = [&](progress_signals_t& told) {
-        checked_album_t checked;
-        checked.result = taloram::verify_album(
-            album,
-            [&](const std::string& path, const std::string& what) {
-                checked.findings.push_back({path, what});
-            },
-            told);
-        return checked;
-    };
-    std::optional<checked_album_t> checked = run_apart<checked_album_t>(progress, work);
-    if (!checked) {
-        report_death(album);
-        checked.emplace().died = true;
+originals_check_t check_originals(const std::string& directory, progress_signals_t& progress) {
+    const auto result = run_apart<originals_check_t>(
+        progress, [&](progress_signals_t& told) { return taloram::check_originals(directory, told); });
+    if (result) {
+        return *result;
     }
-    return *checked;
+    originals_check_t failed;
+    failed.is_good = false;
+    failed.failure = report_death(directory);
+    return failed;
 }
 
 }  // namespace apart

@@ -6,7 +6,7 @@
 
 #include "album/album_update.h"
 #include "album/make_album.h"
-#include "album/sums/verification.h"
+#include "album/sums/originals_check.h"
 #include "album/turn/turn_photo.h"
 
 // The engine's long operations in a process of their own, for windows: whatever a disk does meanwhile, the caller's
@@ -27,18 +27,6 @@ namespace taloram::apart {
 [[nodiscard]] turned_t turn_photos(const std::string& album, const std::vector<std::string>& names, unsigned long count,
                                    progress_signals_t& progress);
 
-struct finding_record_t {
-    std::string path;
-    std::string what;
-};
-
-struct checked_album_t {
-    verify_result_t result;
-    std::vector<finding_record_t> findings;
-    bool died = false;
-};
-
-// What verify_album() finds.
-[[nodiscard]] checked_album_t verify_album(const std::string& album, progress_signals_t& progress);
+[[nodiscard]] originals_check_t check_originals(const std::string& directory, progress_signals_t& progress);
 
 }  // namespace taloram::apart

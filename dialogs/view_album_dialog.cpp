@@ -8,6 +8,7 @@
 
 #include "album/album_layout.h"
 #include "album/apart.h"
+#include "dialogs/originals_dialog.h"
 #include "dialogs/text_input_dialog.h"
 #include "libutils/diagnostics.h"
 #include "toolkit/text_encoding.h"
@@ -54,6 +55,8 @@ ViewAlbumDialog::ViewAlbumDialog(Gtk::Window& parent, const std::string& album,
     label_button(page_button_, msg_browser, sigc::mem_fun(*this, &ViewAlbumDialog::open_page));
     label_button(close_button_, msg_close,
                  sigc::bind(sigc::mem_fun(*this, &Gtk::Dialog::response), Gtk::RESPONSE_CLOSE));
+    label_button(check_button_, msg_check_originals, [this] { show_originals_check(*this, progress_, album_); });
+    get_action_area()->add(check_button_);
     get_action_area()->add(page_button_);
     get_action_area()->add(close_button_);
 

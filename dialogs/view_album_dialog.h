@@ -86,6 +86,7 @@ class ViewAlbumDialog : public Gtk::Dialog {
     Gtk::Button comment_button_;
     Gtk::Button left_button_;
     Gtk::Button right_button_;
+    Gtk::Button check_button_;
     Gtk::Button page_button_;
     Gtk::Button close_button_;
     progress_window_t progress_;

@@ -4,6 +4,7 @@
 #include <gtkmm/buttonbox.h>
 
 #include "album/album_layout.h"
+#include "dialogs/originals_dialog.h"
 #include "dialogs/view_album_dialog.h"
 #include "toolkit/text_encoding.h"
 #include "widgets/browser.h"
@@ -75,11 +76,14 @@ void ViewBookDialog::make_row(size_t index) {
 
 void ViewBookDialog::make_buttons() {
     std::string letters;
-    for (const auto& [button, text] : {std::pair(&page_button_, msg_browser), std::pair(&close_button_, msg_close)}) {
+    for (const auto& [button, text] : {std::pair(&page_button_, msg_browser), std::pair(&close_button_, msg_close),
+                                       std::pair(&check_button_, msg_check_originals)}) {
         button->set_label(mnemonic_text(text, letters));
         button->set_use_underline();
         get_action_area()->add(*button);
     }
+    get_action_area()->reorder_child(check_button_, 0);
+    check_button_.signal_clicked().connect([this] { show_originals_check(*this, progress_, book_); });
     page_button_.signal_clicked().connect([this] { open_in_browser(*this, entry_path(book_, layout::index_page)); });
     close_button_.signal_clicked().connect([this] { response(Gtk::RESPONSE_CLOSE); });
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "album/book_entries.h"
+#include "widgets/progress_window.h"
 #include "widgets/row_table.h"
 #include "widgets/viewer_parts.h"
 
@@ -37,8 +38,10 @@ class ViewBookDialog : public Gtk::Dialog {
     std::vector<book_entry_t> entries_;
     entry_widths_t widths_;
     row_table_t rows_{scroller_, table_, [this](size_t index) { make_row(index); }};
+    Gtk::Button check_button_;
     Gtk::Button page_button_;
     Gtk::Button close_button_;
+    progress_window_t progress_{*this};
 };
 
 }  // namespace taloram

@@ -47,16 +47,16 @@ void report_failed(const album_result_t& result, size_t file_count) {
 }
 
 bool verify_one_album(const std::string& album) {
-    size_t count = 0;
-    const auto report_finding = [](const std::string& path, const std::string& what) {
-        libutils::report(libutils::printable(path), ": ", what);
+    progress_signals_t unseen;
+    const auto report_flaw = [](const flawed_file_t& file) {
+        libutils::report(libutils::printable(file.path), ": ", flaw_text(file));
     };
-    const bool good = verify_album(album, report_finding, count);
-    if (good) {
-        std::cout << libutils::join_text(libutils::printable(album), ": ", count, count == 1 ? " file" : " files",
-                                         " as imported.\n");
+    const verify_result_t result = verify_album(album, report_flaw, unseen);
+    if (result.is_good) {
+        std::cout << libutils::join_text(libutils::printable(album), ": ", result.count,
+                                         result.count == 1 ? " file" : " files", " as imported.\n");
     }
-    return good;
+    return result.is_good;
 }
 
 class runner_t {

@@ -90,10 +90,20 @@ void progress_window_t::pack_stages() {
     get_content_area()->pack_start(*table, Gtk::PACK_SHRINK);
 }
 
+void progress_window_t::show_stage(stage_t stage, bool shown) {
+    captions_.at(index_of(stage)).set_visible(shown);
+    bars_.at(index_of(stage)).set_visible(shown);
+}
+
 void progress_window_t::show_verification(bool shown) {
-    const size_t index = index_of(stage_t::verify);
-    captions_.at(index).set_visible(shown);
-    bars_.at(index).set_visible(shown);
+    show_stage(stage_t::verify, shown);
+}
+
+void progress_window_t::show_check() {
+    is_check_ = true;
+    for (const stage_t stage : shown_stages) {
+        show_stage(stage, stage == stage_t::verify);
+    }
 }
 
 size_t progress_window_t::index_of(stage_t stage) const {
@@ -150,7 +160,10 @@ void progress_window_t::end() {
     if (std::exchange(show_from_, std::nullopt)) {
         remove_modal_grab();
     }
-    show_verification(false);
+    for (const stage_t stage : shown_stages) {
+        show_stage(stage, stage != stage_t::verify);
+    }
+    is_check_ = false;
     hide();
 }
 
@@ -212,7 +225,7 @@ void progress_window_t::on_response(int response) {
 
 void progress_window_t::ask_to_stop() {
     is_asking_ = true;
-    if (ask_yes_no(*this, msg_stop_work)) {
+    if (is_check_ || ask_yes_no(*this, msg_stop_work)) {
         set_wish(wish_t::stop);
     }
     is_asking_ = false;

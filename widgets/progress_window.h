@@ -41,6 +41,10 @@ class progress_window_t : public Gtk::Dialog {
     // The bar for the comparison of an import that verifies; hidden otherwise, and after end().
     void show_verification(bool shown);
 
+    // The bar of the comparison alone, until end(): of a check, which leaves nothing undone and stops without a
+    // question.
+    void show_check();
+
     // Moves a stage's bar to min(fraction, 1) and runs the toolkit's pending events. When the main loop was asked to
     // quit meanwhile, the process ends with status 0.
     void set_progress(stage_t stage, double fraction);
@@ -53,6 +57,7 @@ class progress_window_t : public Gtk::Dialog {
     using clock_t = std::chrono::steady_clock;
 
     void pack_stages();
+    void show_stage(stage_t stage, bool shown);
     void run_events();
     void begin_album(const std::string& path, const std::vector<files_t>& files);
     void show_files(const std::vector<files_t>& files);
@@ -66,6 +71,7 @@ class progress_window_t : public Gtk::Dialog {
     progress_signals_t signals_;
     wish_t wish_ = wish_t::go_on;
     bool is_asking_ = false;
+    bool is_check_ = false;
     std::optional<clock_t::time_point> show_from_;  // while it waits for that
     clock_t::time_point held_since_;
     clock_t::time_point pace_shown_;

@@ -1,5 +1,7 @@
 #include "album/sums/verification.h"
 
+#include <sys/stat.h>
+
 #include <list>
 #include <string_view>
 
@@ -15,22 +17,29 @@ namespace taloram {
 
 namespace {
 
-// What is wrong with a file; "" when nothing is.
-std::string compare_with_sum(const std::string& path, const std::string& expected, const libutils::goes_on_t& asked) {
+using found_t = std::function<void(const flawed_file_t&)>;
+
+// True when the file has the sum; else `found` is called, unless the work was not to go on.
+bool has_sum(const std::string& path, const std::string& expected, const found_t& found,
+             const libutils::goes_on_t& asked) {
     std::string sum;
     const std::error_code failure = sha256_of_file(sum, path, read_from_t::disk, asked);
+    if (!failure && sum == expected) {
+        return true;
+    }
     if (!failure) {
-        return sum == expected ? "" : "changed.";
+        found({path, flaw_t::changed, ""});
+    } else if (libutils::is_absent(failure)) {
+        found({path, flaw_t::missing, ""});
+    } else if (failure != std::errc::operation_canceled || libutils::goes_on(asked)) {
+        found({path, flaw_t::unreadable, failure.message()});
     }
-    if (libutils::is_absent(failure)) {
-        return "missing.";
-    }
-    return libutils::join_text("changed, can't be read, ", failure.message());
+    return false;
 }
 
 // Files of one kind that have no sum; `none_found` becomes false when there are any. False, after a report, when the
 // directory can't be listed.
-bool find_unlisted(const std::string& album, const char* kind, const manifest_t& manifest, const finding_t& found,
+bool find_unlisted(const std::string& album, const char* kind, const manifest_t& manifest, const found_t& found,
                    bool& none_found) {
     const std::string directory = entry_path(album, kind);
     std::list<std::string> names;
@@ -41,7 +50,7 @@ bool find_unlisted(const std::string& album, const char* kind, const manifest_t&
     }
     for (const std::string& name : names) {
         if ((is_photo(name) || is_movie(name)) && !manifest.sum_of(entry_path(kind, name))) {
-            found(entry_path(directory, name), libutils::join_text("not in ", manifest_t::name, "."));
+            found({entry_path(directory, name), flaw_t::unlisted, ""});
             none_found = false;
         }
     }
@@ -105,14 +114,21 @@ bool flush_album_names(const std::string& album) {
     return true;
 }
 
-bool verify_album(const std::string& album, const finding_t& found, size_t& count) {
-    progress_signals_t unseen;
-    const verify_result_t result = verify_album(album, found, unseen);
-    count = result.count;
-    return result.is_good;
+std::string flaw_text(const flawed_file_t& file) {
+    switch (file.flaw) {
+        case flaw_t::changed:
+            return "changed.";
+        case flaw_t::unreadable:
+            return "changed, can't be read, " + file.reason;
+        case flaw_t::missing:
+            return "missing.";
+        case flaw_t::unlisted:
+            break;
+    }
+    return libutils::join_text("not in ", manifest_t::name, ".");
 }
 
-verify_result_t verify_album(const std::string& album, const finding_t& found, progress_signals_t& progress) {
+verify_result_t verify_album(const std::string& album, const found_t& found, progress_signals_t& progress) {
     verify_result_t result;
     manifest_t manifest;
     result.is_good = manifest.load(album);
@@ -120,23 +136,24 @@ verify_result_t verify_album(const std::string& album, const finding_t& found, p
         if (result.is_good) {
             libutils::report(album, ": has no ", manifest_t::name, ".");
         }
-        return {};
+        result.has_sums = !result.is_good;
+        result.is_good = false;
+        return result;
     }
-    result.count = manifest.sums().size();
+    result.has_sums = true;
+    struct stat status {};
+    if (stat(entry_path(album, manifest_t::name).c_str(), &status) == 0) {
+        result.written_at = status.st_mtime;
+    }
     const libutils::goes_on_t asked = lasting_goes_on(progress, result.stopped);
-    size_t index = 0;
     for (const auto& [path, sum] : manifest.sums()) {
         const std::string file = path.starts_with('/') ? path : entry_path(album, path);
-        const std::string wrong = libutils::goes_on(asked) ? compare_with_sum(file, sum, asked) : "";
+        const bool is_same = libutils::goes_on(asked) && has_sum(file, sum, found, asked);
+        result.is_good = is_same && result.is_good;
         if (result.stopped) {
-            result.is_good = false;
             return result;
         }
-        if (!wrong.empty()) {
-            found(file, wrong);
-            result.is_good = false;
-        }
-        emit_progress(progress.verify, index++, result.count);
+        emit_progress(progress.verify, result.count++, manifest.sums().size());
     }
     for (const char* kind : {layout::original, layout::movie}) {
         result.is_good = find_unlisted(album, kind, manifest, found, result.is_good) && result.is_good;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
@@ -18,7 +19,7 @@ namespace taloram {
 [[nodiscard]] bool verify_copy(std::string& sum, const import_file_t& file, const manifest_t& manifest,
                                const libutils::goes_on_t& asked = {});
 
-// Gets a file of the album, as a path, and what is wrong with it.
+// Gets a file of the album, as a path, and what speaks against its import.
 using finding_t = std::function<void(const std::string& path, const std::string& what)>;
 
 // Looks, before an import writes anything, for listed files whose import would change the sum that SHA256SUMS has of
@@ -33,19 +34,32 @@ using finding_t = std::function<void(const std::string& path, const std::string&
 // Reports a failure.
 [[nodiscard]] bool flush_album_names(const std::string& album);
 
-// Compares the originals and movies of an album with its SHA256SUMS: `found` is called for each that changed or is
-// missing, then for each that has no sum. True when there are none; `count` is the number of sums. False, after
-// a report, when there are no sums, when they contradict each other, or when a directory can't be listed to its end.
-[[nodiscard]] bool verify_album(const std::string& album, const finding_t& found, size_t& count);
+enum class flaw_t { changed, unreadable, missing, unlisted };
+
+// A file of an album that is not as imported, or of which nobody can tell.
+struct flawed_file_t {
+    std::string path;
+    flaw_t flaw = flaw_t::changed;
+    std::string reason;  // why it can't be read
+};
+
+// The flaw as talomake words it.
+[[nodiscard]] std::string flaw_text(const flawed_file_t& file);
 
 struct verify_result_t {
     bool is_good = false;
-    bool stopped = false;  // by the caller, before all was compared; what was found until then is true
-    size_t count = 0;      // sums that the album has
+    bool stopped = false;        // by the caller, before all was compared; what was found until then is true
+    bool has_sums = false;       // that can be read or not
+    size_t count = 0;            // files that were compared with their sum
+    std::time_t written_at = 0;  // when SHA256SUMS was written last; 0 when it can't be read
 };
 
-// The same, with the fraction of the sums that are compared told to the stage `verify`.
-[[nodiscard]] verify_result_t verify_album(const std::string& album, const finding_t& found,
+// Compares the originals and movies of an album with its SHA256SUMS: `found` is called for each that changed or is
+// missing, then for each that has no sum. Good when there are none; not good, after a report, when there are no sums,
+// when they contradict each other, or when a directory can't be listed to its end. The fraction of the sums that are
+// compared is told to the stage `verify`.
+[[nodiscard]] verify_result_t verify_album(const std::string& album,
+                                           const std::function<void(const flawed_file_t&)>& found,
                                            progress_signals_t& progress);
 
 }  // namespace taloram

@@ -33,9 +33,13 @@ struct import_fixture_t : album_test_t {
         return result + text;
     }
     std::string verify() {
-        size_t count = 0;
-        const std::string result = findings([&](const finding_t& found) { return verify_album(album, found, count); });
-        return result + std::to_string(count);
+        verify_result_t verified;
+        const std::string result = findings([&](const finding_t& found) {
+            verified = verify_album(
+                album, [&](const auto& file) { found(file.path, flaw_text(file)); }, unseen);
+            return verified.is_good;
+        });
+        return result + std::to_string(verified.count);
     }
 
     using strings_t = std::vector<std::string>;

@@ -8,6 +8,7 @@
 
 #include "album/texts/comment_store.h"
 #include "dialogs/edit_book_dialog.h"
+#include "dialogs/view_album_dialog.h"
 #include "settings/settings.h"
 #include "tests/dialogs/toolkit_driver.h"
 #include "tests/support/fixtures.h"
@@ -197,6 +198,23 @@ TEST(WorkPace, CountsWhatWasMeasured) {
     EXPECT_EQ(text(200), "");
     note(stage_t::sizes, 0, 0, 200);
     EXPECT_EQ(text(200), "0 of 40 photographs, 2.0 a second, about 24 s left") << "of the next album";
+}
+
+TEST_F(ProgressWindow, StopsACheckInTheMiddleOfAFile) {
+    fs::create_directories(album_ + "/original");
+    fs::create_directories(album_ + "/movie");
+    const std::string movie = album_ + "/movie/large.mov";
+    write_file(movie, std::string());
+    fs::resize_file(movie, uintmax_t{1} << 36);  // takes a minute to read
+    write_file(album_ + "/SHA256SUMS", std::string(64, '0') + "  movie/large.mov\n");
+    ViewAlbumDialog viewer(window_, album_, "");
+    viewer.show();
+    const progress_user_t user({clicking("Stop")});
+    on_next_dialog([](Gtk::Dialog& result) {
+        EXPECT_TRUE(shows_text(result, message_text(msg_check_stopped) + " 0"));
+        click(result, "Close");
+    });
+    click(viewer, "Check Originals");
 }
 
 }  // namespace

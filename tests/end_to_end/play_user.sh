@@ -96,6 +96,8 @@ settle() {
 press() {
     settle
     xdotool key --clearmodifiers --delay 30 "$@"
+    # A button that a letter presses stays down for a quarter of a second and acts then; the next key would let it go.
+    case $* in alt+?) sleep 0.3 ;; esac
 }
 
 write() {
