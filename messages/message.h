@@ -117,7 +117,6 @@ enum e_message_local_t : talolib::e_message_t {
     msg_book_not_searched = 110,
     msg_searching_book = 111,
 
-    // progress: 112 to 121
     msg_progress_verify = 112,  // captions of the progress window, as those from msg_progress_copy on
     msg_pause = 113,
     msg_continue = 114,
@@ -129,7 +128,6 @@ enum e_message_local_t : talolib::e_message_t {
     msg_paused = 120,
     msg_stopping = 121,
 
-    // viewers, trash, desktop: 122 to 136
     msg_check_originals = 122,
     msg_as_imported = 123,   // a number follows
     msg_sums_written = 124,  // a time follows
@@ -145,9 +143,6 @@ enum e_message_local_t : talolib::e_message_t {
     msg_guide = 134,
     msg_source_now = 135,  // a directory follows
 
-    // colour: 137 to 144
-
-    msg_reserved_end = 145,
 };
 
 [[nodiscard]] const char* getmsg(e_message_local_t id);
