@@ -151,13 +151,13 @@ HWY_INLINE void interleave(words_t& a, words_t& b) {
 
 // Swaps rows and columns of every block.
 HWY_INLINE void transpose(words_t* v) {
-    for (const size_t i : {0, 2, 4, 6}) {
+    for (const unsigned i : {0U, 2U, 4U, 6U}) {
         interleave<int16_t>(v[i], v[i + 1]);
     }
-    for (const size_t i : {0, 1, 4, 5}) {
+    for (const unsigned i : {0U, 1U, 4U, 5U}) {
         interleave<int32_t>(v[i], v[i + 2]);
     }
-    for (const size_t i : {0, 1, 2, 3}) {
+    for (const unsigned i : {0U, 1U, 2U, 3U}) {
         interleave<int64_t>(v[i], v[i + 4]);
     }
     // In order of the columns.

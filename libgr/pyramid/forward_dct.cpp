@@ -200,7 +200,7 @@ HWY_EXPORT(forward_groups);
 quantiser_t::quantiser_t(const uint16_t* table) {
     for (size_t i = 0; i < block_size; ++i) {
         const unsigned divisor = 8U * table[i];
-        const int bits = std::bit_width(divisor - 1);
+        const auto bits = static_cast<int>(std::bit_width(divisor - 1));
         half[i] = static_cast<uint16_t>(divisor / 2);
         reciprocal[i] = static_cast<uint16_t>(((1U << (15 + bits)) + divisor - 1) / divisor);
         scale[i] = static_cast<uint16_t>(1U << (17 - bits));
